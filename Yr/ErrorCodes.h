@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Yr/Types.h"
+
+namespace Yr {
+
+// The error codes every exception of the library carries, one per family.
+inline constexpr int kIllegalArgumentErrorCode = -50;
+inline constexpr int kOutOfMemoryErrorCode = -108;
+inline constexpr int kIOErrorCode = -7003;
+
+// Codes of the base library's own stream and data faults.
+inline constexpr int kEndOfInputErrorCode = static_cast<int>(0x81000100u);
+inline constexpr int kDataIntegrityErrorCode = static_cast<int>(0x81000000u);
+
+}  // namespace Yr

@@ -1,0 +1,83 @@
+#include "Yr/MemoryManager.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+
+#include "Yr/Exceptions.h"
+
+namespace Yr {
+namespace {
+
+constexpr const char* kSourceUnit = "Yr/MemoryManager";
+
+class HeapMemorySource final : public RawMemorySource {
+public:
+    void* Allocate(std::size_t size, std::size_t alignment) override {
+        if (size == 0) size = 1;
+        if (alignment <= alignof(std::max_align_t)) return std::malloc(size);
+        // aligned_alloc wants a multiple of the alignment.
+        return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+    }
+    void Free(void* pointer) override { std::free(pointer); }
+};
+
+HeapMemorySource g_heap;
+std::atomic<RawMemorySource*> g_source{&g_heap};
+
+std::mutex& HandlerLock() {
+    static std::mutex* lock = new std::mutex;
+    return *lock;
+}
+
+std::vector<MemoryAllocationFailureHandler*>& Handlers() {
+    static auto* handlers = new std::vector<MemoryAllocationFailureHandler*>;
+    return *handlers;
+}
+
+void* Checked(void* block, ExceptionBehaviour behaviour) {
+    if (block == nullptr && behaviour == ExceptionBehaviour::Throw)
+        throw OutOfMemoryException("", kSourceUnit, __LINE__, kOutOfMemoryErrorCode);
+    return block;
+}
+
+}  // namespace
+
+void* MemoryManager::Allocate(std::size_t size, ExceptionBehaviour behaviour, bool clear) {
+    void* block = Checked(g_source.load()->Allocate(size, alignof(std::max_align_t)), behaviour);
+    if (block && clear) std::memset(block, 0, size);
+    return block;
+}
+
+void* MemoryManager::AllocateAligned(std::size_t size, std::size_t alignment,
+                                     ExceptionBehaviour behaviour) {
+    return Checked(g_source.load()->Allocate(size, alignment), behaviour);
+}
+
+void MemoryManager::Free(void* pointer) {
+    if (pointer) g_source.load()->Free(pointer);
+}
+
+void MemoryManager::RegisterFailureHandler(MemoryAllocationFailureHandler& handler) {
+    std::lock_guard<std::mutex> guard(HandlerLock());
+    Handlers().push_back(&handler);
+}
+
+void MemoryManager::UnregisterFailureHandler(MemoryAllocationFailureHandler& handler) {
+    std::lock_guard<std::mutex> guard(HandlerLock());
+    auto& handlers = Handlers();
+    handlers.erase(std::remove(handlers.begin(), handlers.end(), &handler), handlers.end());
+}
+
+std::vector<MemoryAllocationFailureHandler*> MemoryManager::GetFailureHandlers() {
+    std::lock_guard<std::mutex> guard(HandlerLock());
+    return Handlers();
+}
+
+RawMemorySource* MemoryManager::SetRawMemorySource(RawMemorySource* source) {
+    return g_source.exchange(source ? source : &g_heap);
+}
+
+}  // namespace Yr

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace Yr {
+
+enum class ExceptionBehaviour { Throw, ReturnNull };
+
+// Asked by the allocators, when an allocation fails, to release what memory
+// it can. Answers whether it released any (the allocation is then retried).
+class MemoryAllocationFailureHandler {
+public:
+    virtual ~MemoryAllocationFailureHandler() = default;
+    virtual bool ReleaseMemory(std::size_t requestedSize) = 0;
+};
+
+// Where raw memory comes from: the C heap unless a test installs another.
+class RawMemorySource {
+public:
+    virtual ~RawMemorySource() = default;
+    // Null on failure. `alignment` is a power of two.
+    virtual void* Allocate(std::size_t size, std::size_t alignment) = 0;
+    virtual void Free(void* pointer) = 0;
+};
+
+// The base layer's raw allocation and its registry of failure handlers.
+class MemoryManager {
+public:
+    // Throwing mode raises OutOfMemoryException; zero bytes gives a valid block.
+    static void* Allocate(std::size_t size,
+                          ExceptionBehaviour behaviour = ExceptionBehaviour::Throw,
+                          bool clear = false);
+    static void* AllocateAligned(std::size_t size, std::size_t alignment,
+                                 ExceptionBehaviour behaviour = ExceptionBehaviour::Throw);
+    // Ignores null.
+    static void Free(void* pointer);
+
+    static void RegisterFailureHandler(MemoryAllocationFailureHandler& handler);
+    static void UnregisterFailureHandler(MemoryAllocationFailureHandler& handler);
+    // A copy, so handlers may unregister themselves while it is walked.
+    static std::vector<MemoryAllocationFailureHandler*> GetFailureHandlers();
+
+    // Installs a source and returns the previous one; null restores the heap.
+    static RawMemorySource* SetRawMemorySource(RawMemorySource* source);
+};
+
+}  // namespace Yr

@@ -1,0 +1,31 @@
+# Warnings and sanitizers shared by every target the project builds. Kept
+# out of the exported package: consumers choose their own flags.
+add_library(morvelan_options INTERFACE)
+target_compile_options(morvelan_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+
+if(MORVELAN_SANITIZE)
+    set(sanitize_flags -fsanitize=${MORVELAN_SANITIZE} -fno-omit-frame-pointer)
+    if(MORVELAN_SANITIZE MATCHES "undefined")
+        list(APPEND sanitize_flags -fno-sanitize-recover=all)
+    endif()
+    target_compile_options(morvelan_options INTERFACE ${sanitize_flags})
+    target_link_options(morvelan_options INTERFACE ${sanitize_flags})
+endif()
+
+function(morvelan_library name)
+    add_library(${name} STATIC ${ARGN})
+    add_library(Morvelan::${name} ALIAS ${name})
+    target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:morvelan_options>)
+    target_include_directories(${name} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/Morvelan>)
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# One executable per layer; each test case is its own ctest entry.
+function(morvelan_add_tests name)
+    add_executable(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE morvelan_options morvelan_test_support
+        GTest::gtest_main GTest::gmock)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${name})
+endfunction()
