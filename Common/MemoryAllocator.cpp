@@ -1,0 +1,91 @@
+#include "Common/StandardMemoryAllocator.h"
+#include "Common/VirtualMemoryAllocator.h"
+
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "Yr/ErrorCodes.h"
+#include "Yr/Exceptions.h"
+#include "Yr/MemoryManager.h"
+#include "InputOutput/FileSystem.h"
+#include "Common/ExceptionPrinting.h"
+
+namespace Morvelan::Common {
+namespace {
+
+constexpr const char* kSourceUnit = "Common/MemoryAllocator";
+
+// Asks the registered handlers, in order, to release memory for a request of
+// `size` bytes; true when one did. The manager hands out a copy of its list,
+// so a handler may unregister itself meanwhile. A handler that fails in the
+// base layer's way is only logged: the others may still help.
+bool ReleaseMemory(std::size_t size) {
+    const std::vector<Yr::MemoryAllocationFailureHandler*> handlers =
+        Yr::MemoryManager::GetFailureHandlers();
+    for (Yr::MemoryAllocationFailureHandler* handler : handlers) {
+        try {
+            if (handler->ReleaseMemory(size)) return true;
+        } catch (const Yr::YrException& exception) {
+            DebugPrintEx(exception);
+        }
+    }
+    return false;
+}
+
+// `tryAllocate` returns null on failure. Loops for as long as some handler
+// reports having released memory.
+template <class TryAllocate>
+void* AllocateWithRecovery(std::size_t size, TryAllocate tryAllocate) {
+    for (;;) {
+        if (void* block = tryAllocate()) return block;
+        if (!ReleaseMemory(size))
+            throw Yr::OutOfMemoryException("", kSourceUnit, __LINE__, Yr::kOutOfMemoryErrorCode);
+    }
+}
+
+// The word at the start of the header page: the size of the whole mapping.
+using RegionSize = std::size_t;
+
+void* MapRegion(std::size_t size) {
+    if (size > std::numeric_limits<std::size_t>::max() - VirtualMemoryAllocator::kHeaderSize)
+        return nullptr;
+    const std::size_t regionSize = size + VirtualMemoryAllocator::kHeaderSize;
+    auto* region = static_cast<unsigned char*>(::IO::FileSystem::Get().MapMemory(regionSize));
+    if (region == nullptr) return nullptr;
+    std::memcpy(region, &regionSize, sizeof regionSize);
+    return region + VirtualMemoryAllocator::kHeaderSize;
+}
+
+}  // namespace
+
+void* StandardMemoryAllocator::Allocate(std::size_t size) {
+    return AllocateWithRecovery(size, [size] {
+        return Yr::MemoryManager::Allocate(size, Yr::ExceptionBehaviour::ReturnNull);
+    });
+}
+
+void* StandardMemoryAllocator::Allocate(std::size_t size, std::size_t alignment) {
+    return AllocateWithRecovery(size, [size, alignment] {
+        return Yr::MemoryManager::AllocateAligned(size, alignment,
+                                                  Yr::ExceptionBehaviour::ReturnNull);
+    });
+}
+
+void StandardMemoryAllocator::Free(void* pointer) {
+    Yr::MemoryManager::Free(pointer);
+}
+
+void* VirtualMemoryAllocator::Allocate(std::size_t size) {
+    return AllocateWithRecovery(size, [size] { return MapRegion(size); });
+}
+
+void VirtualMemoryAllocator::Free(void* pointer) {
+    if (pointer == nullptr) return;
+    unsigned char* region = static_cast<unsigned char*>(pointer) - kHeaderSize;
+    RegionSize regionSize;
+    std::memcpy(&regionSize, region, sizeof regionSize);
+    ::IO::FileSystem::Get().UnmapMemory(region, regionSize);
+}
+
+}  // namespace Morvelan::Common

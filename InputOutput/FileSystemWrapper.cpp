@@ -1,0 +1,34 @@
+#include "InputOutput/FileSystemWrapper.h"
+
+namespace IO {
+
+Status FileSystemWrapper::Open(const std::string& path, OpenMode mode, int& descriptor) {
+    return m_target.Open(path, mode, descriptor);
+}
+
+Status FileSystemWrapper::Read(int descriptor, void* buffer, std::size_t size,
+                               std::size_t& count) {
+    return m_target.Read(descriptor, buffer, size, count);
+}
+
+Status FileSystemWrapper::Write(int descriptor, const void* buffer, std::size_t size) {
+    return m_target.Write(descriptor, buffer, size);
+}
+
+Status FileSystemWrapper::Close(int descriptor) {
+    return m_target.Close(descriptor);
+}
+
+void* FileSystemWrapper::MapMemory(std::size_t size) {
+    return m_target.MapMemory(size);
+}
+
+void FileSystemWrapper::UnmapMemory(void* address, std::size_t size) {
+    m_target.UnmapMemory(address, size);
+}
+
+void FileSystemWrapper::Sleep(Yr::UInt32 milliseconds) {
+    m_target.Sleep(milliseconds);
+}
+
+}  // namespace IO

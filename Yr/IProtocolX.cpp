@@ -1,0 +1,25 @@
+#include "Yr/IProtocolX.h"
+
+#include "Yr/Exceptions.h"
+#include "Yr/Guid.h"
+#include "Yr/IBinaryChannelUtilities.h"
+
+namespace Yr {
+namespace {
+constexpr const char* kSourceUnit = "Yr/IProtocolX";
+}
+
+void IProtocolX::Read(IBinaryChannel& channel, Guid& value) const {
+    int data1 = 0;
+    Read(channel, data1);
+    Read(channel, value.data2);
+    Read(channel, value.data3);
+    const UInt32 count = IBinaryChannelUtilities::ReadFully(
+        channel, reinterpret_cast<char*>(value.data4), sizeof value.data4);
+    if (count < sizeof value.data4)
+        throw EndOfInputException("End of input reached.", kSourceUnit, __LINE__,
+                                  kEndOfInputErrorCode);
+    value.data1 = static_cast<UInt32>(data1);
+}
+
+}  // namespace Yr

@@ -1,1 +1,30 @@
-int main() { return 0; }
+// morvelan: archives, zip files, block files and checksums from the shell.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <vector>
+
+#include "cli/Crc32Command.h"
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Archives, zip files, block files and checksums.", "morvelan");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", "morvelan 0.1.0");
+
+    std::vector<std::unique_ptr<Morvelan::Tool::Command>> commands;
+    commands.push_back(std::make_unique<Morvelan::Tool::Crc32Command>(app));
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : kUsageError;
+    }
+    for (auto& command : commands)
+        if (command->IsChosen()) return command->Run();
+    return kUsageError;
+}

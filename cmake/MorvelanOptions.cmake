@@ -29,3 +29,11 @@ function(morvelan_add_tests name)
         GTest::gtest_main GTest::gmock)
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${name})
 endfunction()
+
+# Fuzzing builds instrument every library for coverage and memory errors; the
+# fuzz targets themselves link libFuzzer's main.
+if(MORVELAN_BUILD_FUZZERS)
+    target_compile_options(morvelan_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+    target_link_options(morvelan_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Morvelan::Common {
+
+// Heap blocks from the base layer's raw allocation. When the heap has none to
+// give, the registered failure handlers are asked in turn to release memory
+// and the allocation is retried after the first that did; when none can,
+// Yr::OutOfMemoryException is thrown. Thread-safe as the heap is. Handlers
+// run on the allocating thread, under whatever locks it holds.
+class StandardMemoryAllocator final {
+public:
+    StandardMemoryAllocator() = delete;
+
+    static void* Allocate(std::size_t size);
+    // `alignment` is a power of two; the block is released with Free as well.
+    static void* Allocate(std::size_t size, std::size_t alignment);
+    // Ignores null.
+    static void Free(void* pointer);
+};
+
+}  // namespace Morvelan::Common

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "InputOutput/FileSystem.h"
+
+namespace IO {
+
+// Forwards every call to a target file system. Tests derive from it and
+// override only the calls they want to fail or count. The target is borrowed
+// and must outlive the wrapper.
+class FileSystemWrapper : public FileSystem {
+public:
+    explicit FileSystemWrapper(FileSystem& target) : m_target(target) {}
+    FileSystemWrapper(const FileSystemWrapper&) = delete;
+    FileSystemWrapper& operator=(const FileSystemWrapper&) = delete;
+
+    Status Open(const std::string& path, OpenMode mode, int& descriptor) override;
+    Status Read(int descriptor, void* buffer, std::size_t size, std::size_t& count) override;
+    Status Write(int descriptor, const void* buffer, std::size_t size) override;
+    Status Close(int descriptor) override;
+
+    void* MapMemory(std::size_t size) override;
+    void UnmapMemory(void* address, std::size_t size) override;
+
+    void Sleep(Yr::UInt32 milliseconds) override;
+
+protected:
+    FileSystem& GetTarget() const { return m_target; }
+
+private:
+    FileSystem& m_target;
+};
+
+}  // namespace IO

@@ -1,0 +1,53 @@
+# The commands people type. Each one installs what it needs, configures its
+# CMake preset and builds; the presets live in CMakePresets.json.
+.PHONY: all deps demo test sanitize tsan bench fuzz format clean
+
+SOURCES = $(shell git ls-files '*.h' '*.cpp')
+DEMO_FILES = README.md CMakeLists.txt Makefile $(shell git ls-files 'Yr/*.h' | head -n 5)
+FUZZ_SECONDS ?= 30
+
+all: test
+
+deps:
+	@bash scripts/install-deps.sh
+
+# The main job: build the tool and run it on the repository's own files.
+demo: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --target morvelan
+	@echo "--- morvelan crc32 on this repository's files"
+	@build/release/cli/morvelan crc32 $(DEMO_FILES)
+	@echo "--- and on standard input"
+	@printf '123456789' | build/release/cli/morvelan crc32
+
+test: deps
+	@cmake --preset debug >/dev/null
+	@cmake --build --preset debug
+	@ctest --preset debug
+
+sanitize: deps
+	@cmake --preset asan-ubsan >/dev/null
+	@cmake --build --preset asan-ubsan
+	@ctest --preset asan-ubsan
+
+tsan: deps
+	@cmake --preset tsan >/dev/null
+	@cmake --build --preset tsan
+	@ctest --preset tsan
+
+bench: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --target MorvelanBenchmarks
+	@python3 scripts/bench_summary.py build/release/bench/MorvelanBenchmarks bench/comparisons.json build/bench
+
+fuzz:
+	@bash scripts/install-deps.sh fuzz
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz
+	@bash scripts/run-fuzzers.sh build/fuzz/fuzz $(FUZZ_SECONDS)
+
+format:
+	@clang-format -i $(SOURCES)
+
+clean:
+	@rm -rf build

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, tests and benchmarks need, and only
+# those that are missing, so it is cheap to run before every build.
+#   scripts/install-deps.sh          build, test and benchmark packages
+#   scripts/install-deps.sh fuzz     also the clang toolchain for libFuzzer
+set -euo pipefail
+
+packages=(cmake ninja-build g++ make python3 zlib1g-dev libgtest-dev libgmock-dev
+          libbenchmark-dev libcli11-dev)
+if [[ "${1:-}" == "fuzz" ]]; then
+    packages+=(clang libclang-rt-dev)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$package")
+    fi
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+echo "Installing: ${missing[*]}"
+run_as_root=()
+[[ $(id -u) -ne 0 ]] && run_as_root=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${run_as_root[@]}" apt-get update -qq
+"${run_as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
