@@ -1,5 +1,6 @@
 #include "Common/ExceptionPrinting.h"
 
+#include <cstddef>
 #include <string>
 
 #include "Yr/Debug.h"
@@ -19,7 +20,7 @@ void AppendBlock(Yr::UniString& text, const char* heading, const Yr::YrException
         text.Append(": ");
         text.Append(exception.GetMessage());
     }
-    // %s takes the unit's bytes as they are: a stray byte becomes U+FFFD, never a throw.
+    // Through %s a stray byte in the source unit prints as U+FFFD instead of throwing.
     text.Append(Yr::UniString::Printf("\n\tat %s(%lu)", exception.GetFileName(),
                                       exception.GetLineNumber()));
 }

@@ -66,8 +66,7 @@ using FamilyCases = ::testing::Types<
     Case<MIO::FileSystemException, Yr::IOException, "FileSystemException", Family::IO>,
     Case<MIO::AccessDeniedException, MIO::FileSystemException, "AccessDeniedException",
          Family::FileSystem>,
-    Case<MIO::DiskFullException, MIO::FileSystemException, "DiskFullException",
-         Family::FileSystem>,
+    Case<MIO::DiskFullException, MIO::FileSystemException, "DiskFullException", Family::FileSystem>,
     Case<MIO::FileAlreadyExistsException, MIO::FileSystemException, "FileAlreadyExistsException",
          Family::FileSystem>,
     Case<MIO::FileNotFoundException, MIO::FileSystemException, "FileNotFoundException",
@@ -193,7 +192,7 @@ TYPED_TEST(ExceptionFamilyTest, CatchClausesFollowTheFamily) {
     EXPECT_EQ(IsCaughtAs<Yr::IOException>(exception),
               family == Family::IO || family == Family::FileSystem);
     EXPECT_EQ(IsCaughtAs<MIO::FileSystemException>(exception),
-              family == Family::FileSystem || std::is_same_v<E, MIO::FileSystemException>);
+              family == Family::FileSystem || (std::is_same_v<E, MIO::FileSystemException>));
     EXPECT_EQ(IsCaughtAs<Containers::BlockManagerException>(exception),
               family == Family::BlockStorage);
 
