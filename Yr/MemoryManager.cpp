@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <mutex>
 
 #include "Yr/Exceptions.h"
@@ -18,14 +19,27 @@ public:
     void* Allocate(std::size_t size, std::size_t alignment) override {
         if (size == 0) size = 1;
         if (alignment <= alignof(std::max_align_t)) return std::malloc(size);
-        // aligned_alloc wants a multiple of the alignment.
+        // aligned_alloc wants a multiple of the alignment; rounding a size near
+        // the top of the range up would wrap to a tiny block.
+        if (size > std::numeric_limits<std::size_t>::max() - (alignment - 1)) return nullptr;
         return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
     }
     void Free(void* pointer) override { std::free(pointer); }
 };
 
-HeapMemorySource g_heap;
-std::atomic<RawMemorySource*> g_source{&g_heap};
+// Never destroyed: Refs and buffers held by other statics are freed after main.
+RawMemorySource& Heap() {
+    static auto* heap = new HeapMemorySource;
+    return *heap;
+}
+
+// Null stands for the heap, so that no static has to be built first.
+std::atomic<RawMemorySource*> g_source{nullptr};
+
+RawMemorySource& Source() {
+    RawMemorySource* source = g_source.load();
+    return source ? *source : Heap();
+}
 
 std::mutex& HandlerLock() {
     static std::mutex* lock = new std::mutex;
@@ -46,18 +60,18 @@ void* Checked(void* block, ExceptionBehaviour behaviour) {
 }  // namespace
 
 void* MemoryManager::Allocate(std::size_t size, ExceptionBehaviour behaviour, bool clear) {
-    void* block = Checked(g_source.load()->Allocate(size, alignof(std::max_align_t)), behaviour);
+    void* block = Checked(Source().Allocate(size, alignof(std::max_align_t)), behaviour);
     if (block && clear) std::memset(block, 0, size);
     return block;
 }
 
 void* MemoryManager::AllocateAligned(std::size_t size, std::size_t alignment,
                                      ExceptionBehaviour behaviour) {
-    return Checked(g_source.load()->Allocate(size, alignment), behaviour);
+    return Checked(Source().Allocate(size, alignment), behaviour);
 }
 
 void MemoryManager::Free(void* pointer) {
-    if (pointer) g_source.load()->Free(pointer);
+    if (pointer) Source().Free(pointer);
 }
 
 void MemoryManager::RegisterFailureHandler(MemoryAllocationFailureHandler& handler) {
@@ -77,7 +91,8 @@ std::vector<MemoryAllocationFailureHandler*> MemoryManager::GetFailureHandlers()
 }
 
 RawMemorySource* MemoryManager::SetRawMemorySource(RawMemorySource* source) {
-    return g_source.exchange(source ? source : &g_heap);
+    RawMemorySource* previous = g_source.exchange(source);
+    return previous ? previous : &Heap();
 }
 
 }  // namespace Yr

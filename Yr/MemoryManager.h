@@ -42,6 +42,8 @@ public:
     static std::vector<MemoryAllocationFailureHandler*> GetFailureHandlers();
 
     // Installs a source and returns the previous one; null restores the heap.
+    // Blocks taken before the switch are freed through the new source, so a
+    // test source wraps the previous one and passes frees on to it.
     static RawMemorySource* SetRawMemorySource(RawMemorySource* source);
 };
 

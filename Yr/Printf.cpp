@@ -1,4 +1,5 @@
 // UniString::Printf: a printf subset with its arguments checked by kind and size.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -119,8 +120,9 @@ bool Fits(const Conversion& conversion, const FormatArgument& argument) {
     return signedType ? kind == Kind::Signed : kind == Kind::Unsigned;
 }
 
-// Prints an integer argument under an integer conversion, cut to the
-// conversion's width so that %hu of 70000 prints what C would.
+// Prints an integer argument under an integer conversion, read at the wider of
+// the conversion's and the argument's size: a too-wide argument, which only a
+// release build lets through, prints whole rather than cut.
 void AppendInteger(std::string& out, const Conversion& conversion, const FormatArgument& argument) {
     const bool isSigned = argument.GetKind() == FormatArgument::Kind::Signed;
     const UInt64 bits =
@@ -134,7 +136,7 @@ void AppendInteger(std::string& out, const Conversion& conversion, const FormatA
             static_cast<long long>(static_cast<Int64>((bits & mask) << shift) >> shift);
         AppendPrintf(out, Spec(conversion, "ll", 'd'), value);
     } else if (type == 'c') {
-        out.push_back(static_cast<char>(bits));
+        AppendPrintf(out, Spec(conversion, "", 'c'), static_cast<int>(bits & 0xFF));
     } else {
         AppendPrintf(out, Spec(conversion, "ll", type),
                      static_cast<unsigned long long>(bits & mask));

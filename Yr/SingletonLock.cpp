@@ -1,0 +1,10 @@
+#include "Yr/SingletonLock.h"
+
+namespace Yr {
+
+RecursiveLock& SingletonLock::GetLock() {
+    static RecursiveLock* lock = new RecursiveLock;
+    return *lock;
+}
+
+}  // namespace Yr
