@@ -18,7 +18,7 @@ void FreePage(void* page) {
 
 // Never destroyed: Refs held by other statics may be released after main.
 PagedSlotPool& Pool() {
-    static PagedSlotPool* pool = new PagedSlotPool(&AllocatePage, &FreePage);
+    static PagedSlotPool* pool = new PagedSlotPool(&AllocatePage, &FreePage, true);
     return *pool;
 }
 

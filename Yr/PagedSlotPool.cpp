@@ -41,8 +41,9 @@ void SetNextFree(unsigned char* slot, UInt16 next) {
 
 }  // namespace
 
-PagedSlotPool::PagedSlotPool(AllocatePageFunction allocatePage, FreePageFunction freePage)
-    : m_allocatePage(allocatePage), m_freePage(freePage) {}
+PagedSlotPool::PagedSlotPool(AllocatePageFunction allocatePage, FreePageFunction freePage,
+                             bool keepOneEmptyPage)
+    : m_allocatePage(allocatePage), m_freePage(freePage), m_keepOneEmptyPage(keepOneEmptyPage) {}
 
 void PagedSlotPool::Link(Page* page) {
     page->previous = nullptr;
@@ -87,7 +88,8 @@ void PagedSlotPool::Return(void* slot) {
     SetNextFree(static_cast<unsigned char*>(slot), page->firstFree);
     page->firstFree = index;
     if (++page->freeCount == 1) Link(page);
-    if (page->freeCount == kSlotsPerPage) {
+    const bool onlyPageWithFreeSlots = page == m_firstWithFreeSlots && page->next == nullptr;
+    if (page->freeCount == kSlotsPerPage && !(m_keepOneEmptyPage && onlyPageWithFreeSlots)) {
         Unlink(page);
         m_freePage(page);
         --m_pageCount;

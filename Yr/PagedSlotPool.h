@@ -10,7 +10,8 @@ namespace Yr {
 // Hands out 8-byte slots carved from 4096-byte pages, so that millions of
 // small counters cost neither a heap block each nor the allocator's headers.
 // Pages are aligned to their size: a slot finds its page by masking. A page
-// whose slots are all returned is given back at once. Thread-safe.
+// whose slots are all returned is given back at once (but see
+// keepOneEmptyPage). Thread-safe.
 class PagedSlotPool {
 public:
     static constexpr std::size_t kPageSize = 4096;
@@ -22,7 +23,10 @@ public:
     using AllocatePageFunction = void* (*)();
     using FreePageFunction = void (*)(void*);
 
-    PagedSlotPool(AllocatePageFunction allocatePage, FreePageFunction freePage);
+    // With `keepOneEmptyPage` the last page is kept when it empties, so that
+    // a slot taken and returned over and over does not map a page each time.
+    PagedSlotPool(AllocatePageFunction allocatePage, FreePageFunction freePage,
+                  bool keepOneEmptyPage = false);
     PagedSlotPool(const PagedSlotPool&) = delete;
     PagedSlotPool& operator=(const PagedSlotPool&) = delete;
 
@@ -38,6 +42,7 @@ private:
 
     AllocatePageFunction m_allocatePage;
     FreePageFunction m_freePage;
+    bool m_keepOneEmptyPage;
     mutable std::mutex m_lock;
     Page* m_firstWithFreeSlots = nullptr;  // pages that have a free slot
     std::size_t m_pageCount = 0;

@@ -66,6 +66,20 @@ TEST_F(PagedSlotPoolTest, FiveHundredEightSlotsFillOnePage) {
     EXPECT_EQ(g_pagesFreed, 2);
 }
 
+TEST_F(PagedSlotPoolTest, AReservePageSurvivesChurnButNotASecondEmptyPage) {
+    PagedSlotPool pool(&CountedAllocatePage, &CountedFreePage, true);
+    for (int i = 0; i < 1000; ++i) pool.Return(pool.Take());
+    EXPECT_EQ(g_pagesAllocated, 1);
+    EXPECT_EQ(g_pagesFreed, 0);
+
+    std::vector<void*> slots;
+    for (int i = 0; i < 509; ++i) slots.push_back(pool.Take());
+    EXPECT_EQ(pool.GetPageCount(), 2u);
+    for (void* slot : slots) pool.Return(slot);
+    EXPECT_EQ(pool.GetPageCount(), 1u);
+    EXPECT_EQ(g_pagesFreed, 1);
+}
+
 TEST_F(PagedSlotPoolTest, SlotsAreAlignedDistinctAndClearOfThePageHeader) {
     const std::vector<void*> slots = Take(2 * 508 + 3);
     const std::set<void*> distinct(slots.begin(), slots.end());
