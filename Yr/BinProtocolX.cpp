@@ -93,9 +93,7 @@ class BinOProtocolX final : public OProtocolX {
 public:
     using OProtocolX::Write;
 
-    void Write(OBinaryChannel& channel, char value) const override {
-        channel.Write(&value, 1);
-    }
+    void Write(OBinaryChannel& channel, char value) const override { channel.Write(&value, 1); }
     void Write(OBinaryChannel& channel, bool value) const override {
         WriteLittleEndian<UInt8>(channel, value ? 1 : 0);
     }

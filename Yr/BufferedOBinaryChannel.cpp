@@ -1,0 +1,97 @@
+#include "Yr/BufferedOBinaryChannel.h"
+
+#include <cstring>
+#include <utility>
+
+#include "Yr/Exceptions.h"
+#include "Yr/MemoryManager.h"
+
+namespace Yr {
+namespace {
+
+constexpr const char* kSourceUnit = "Yr/BufferedOBinaryChannel";
+
+OBinaryChannel& RequireInner(const Ref<OBinaryChannel>& inner) {
+    if (inner.IsNull())
+        throw IllegalArgumentException("Invalid output channel: channel is null.", kSourceUnit,
+                                       __LINE__, kIllegalArgumentErrorCode);
+    return *inner;
+}
+
+// Checked before the buffer is allocated, so a refused channel costs nothing.
+UInt32 CheckBufferSize(UInt32 bufferSize) {
+    if (bufferSize == 0)
+        throw IllegalArgumentException("Invalid buffer size: size is 0.", kSourceUnit, __LINE__,
+                                       kIllegalArgumentErrorCode);
+    return bufferSize;
+}
+
+}  // namespace
+
+BufferedOBinaryChannel::BufferedOBinaryChannel(const Ref<OBinaryChannel>& inner, UInt32 bufferSize)
+    : m_innerRef(inner),
+      m_inner(RequireInner(inner)),
+      m_bufferSize(CheckBufferSize(bufferSize)),
+      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_bufferSize))) {}
+
+BufferedOBinaryChannel::BufferedOBinaryChannel(OBinaryChannel& inner, UInt32 bufferSize)
+    : m_inner(inner),
+      m_bufferSize(CheckBufferSize(bufferSize)),
+      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_bufferSize))) {}
+
+BufferedOBinaryChannel::~BufferedOBinaryChannel() {
+    MemoryManager::Free(m_buffer);
+}
+
+void BufferedOBinaryChannel::CheckOpened(UInt32 line) const {
+    if (m_closed)
+        throw IOException("Buffered output channel is closed.", kSourceUnit, line, kIOErrorCode);
+}
+
+void BufferedOBinaryChannel::WriteCollected() {
+    if (m_used == 0) return;
+    // Emptied first: after a failed write the bytes are not sent again.
+    const UInt32 used = std::exchange(m_used, 0);
+    m_inner.Write(m_buffer, used);
+}
+
+void BufferedOBinaryChannel::Write(const char* buffer, UInt32 size) {
+    CheckOpened(__LINE__);
+    if (size <= m_bufferSize - m_used) {
+        if (size > 0) std::memcpy(m_buffer + m_used, buffer, size);
+        m_used += size;
+        return;
+    }
+    WriteCollected();
+    if (size >= m_bufferSize) {
+        m_inner.Write(buffer, size);
+        return;
+    }
+    std::memcpy(m_buffer, buffer, size);
+    m_used = size;
+}
+
+void BufferedOBinaryChannel::Flush() {
+    CheckOpened(__LINE__);
+    WriteCollected();
+    m_inner.Flush();
+}
+
+void BufferedOBinaryChannel::Close() {
+    if (m_closed) return;
+    m_closed = true;
+    // The inner channel is closed even when the last write fails, so that
+    // no file stays open behind a broken pipeline; the write's failure wins.
+    try {
+        WriteCollected();
+    } catch (...) {
+        try {
+            m_inner.Close();
+        } catch (...) {
+        }
+        throw;
+    }
+    m_inner.Close();
+}
+
+}  // namespace Yr

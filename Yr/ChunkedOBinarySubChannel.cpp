@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "Yr/Exceptions.h"
 #include "Yr/MemoryManager.h"
@@ -48,6 +49,14 @@ void ChunkedOBinarySubChannel::WriteChunk(const char* data, UInt32 size) {
     m_channel.Write(data, size);
 }
 
+void ChunkedOBinarySubChannel::WriteCollected() {
+    // Never an empty chunk: its length would read as the end mark.
+    if (m_used == 0) return;
+    // Emptied first: after a failed write the bytes are not sent twice.
+    const UInt32 used = std::exchange(m_used, 0);
+    WriteChunk(m_buffer, used);
+}
+
 void ChunkedOBinarySubChannel::Write(const char* buffer, UInt32 size) {
     CheckOpened(__LINE__);
     while (size > 0) {
@@ -62,20 +71,13 @@ void ChunkedOBinarySubChannel::Write(const char* buffer, UInt32 size) {
         m_used += part;
         buffer += part;
         size -= part;
-        if (m_used == m_chunkSize) {
-            // Cleared first: after a failed write the bytes are not sent twice.
-            m_used = 0;
-            WriteChunk(m_buffer, m_chunkSize);
-        }
+        if (m_used == m_chunkSize) WriteCollected();
     }
 }
 
 void ChunkedOBinarySubChannel::Flush() {
     CheckOpened(__LINE__);
-    if (m_used > 0) {
-        const UInt32 used = std::exchange(m_used, 0);
-        WriteChunk(m_buffer, used);
-    }
+    WriteCollected();
     m_channel.Flush();
 }
 
@@ -83,10 +85,7 @@ void ChunkedOBinarySubChannel::Close() {
     if (m_closed) return;
     // Closed even if the writes below fail: a retry must not frame twice.
     m_closed = true;
-    if (m_used > 0) {
-        const UInt32 used = std::exchange(m_used, 0);
-        WriteChunk(m_buffer, used);
-    }
+    WriteCollected();
     m_protocol.Write(m_channel, 0);
 }
 

@@ -20,8 +20,7 @@ class OProtocolX;
 class ChunkedOBinarySubChannel final : public OBinaryChannel {
 public:
     // A chunkSize of 0 or above 2^31-1 throws IllegalArgumentException.
-    ChunkedOBinarySubChannel(OBinaryChannel& channel, const OProtocolX& protocol,
-                             UInt32 chunkSize);
+    ChunkedOBinarySubChannel(OBinaryChannel& channel, const OProtocolX& protocol, UInt32 chunkSize);
     ~ChunkedOBinarySubChannel() override;
 
     void Write(const char* buffer, UInt32 size) override;
@@ -33,6 +32,7 @@ public:
 private:
     void CheckOpened(UInt32 line) const;
     void WriteChunk(const char* data, UInt32 size);
+    void WriteCollected();
 
     OBinaryChannel& m_channel;
     const OProtocolX& m_protocol;

@@ -24,7 +24,8 @@ int HexValue(char digit) {
 }
 
 void AppendHex(std::string& out, UInt64 value, int digits) {
-    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) out.push_back(kHexDigits[(value >> shift) & 0xF]);
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
+        out.push_back(kHexDigits[(value >> shift) & 0xF]);
 }
 
 }  // namespace

@@ -1,0 +1,26 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "Yr/IBinaryChannelUtilities.h"
+#include "Yr/MemoryIBinaryChannel.h"
+#include "tests/support/OneByteIBinaryChannel.h"
+
+namespace {
+
+TEST(IBinaryChannelUtilitiesTest, ReadFullyGathersShortReadsUpToTheEnd) {
+    Morvelan::Testing::OneByteIBinaryChannel in("abcdef");
+    char buffer[8];
+    EXPECT_EQ(Yr::IBinaryChannelUtilities::ReadFully(in, buffer, 4), 4u);
+    EXPECT_EQ(Yr::IBinaryChannelUtilities::ReadFully(in, buffer + 4, 4), 2u);
+    EXPECT_EQ(std::string(buffer, 6), "abcdef");
+}
+
+TEST(IBinaryChannelUtilitiesTest, SkipStopsAtEnd) {
+    const std::string data(10000, 's');  // more than one scratch block
+    Yr::MemoryIBinaryChannel in(data.data(), 10000);
+    EXPECT_EQ(Yr::IBinaryChannelUtilities::Skip(in, 9000), 9000u);
+    EXPECT_EQ(Yr::IBinaryChannelUtilities::Skip(in, 5000), 1000u);
+}
+
+}  // namespace
