@@ -5,11 +5,11 @@
 #include <limits>
 #include <vector>
 
+#include "Common/ExceptionPrinting.h"
+#include "InputOutput/FileSystem.h"
 #include "Yr/ErrorCodes.h"
 #include "Yr/Exceptions.h"
 #include "Yr/MemoryManager.h"
-#include "InputOutput/FileSystem.h"
-#include "Common/ExceptionPrinting.h"
 
 namespace Morvelan::Common {
 namespace {

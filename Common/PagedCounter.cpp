@@ -2,8 +2,8 @@
 
 #include <cassert>
 
-#include "Yr/PagedSlotPool.h"
 #include "Common/StandardMemoryAllocator.h"
+#include "Yr/PagedSlotPool.h"
 
 namespace Morvelan::Common {
 namespace {

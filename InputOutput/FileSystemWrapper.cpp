@@ -6,8 +6,7 @@ Status FileSystemWrapper::Open(const std::string& path, OpenMode mode, int& desc
     return m_target.Open(path, mode, descriptor);
 }
 
-Status FileSystemWrapper::Read(int descriptor, void* buffer, std::size_t size,
-                               std::size_t& count) {
+Status FileSystemWrapper::Read(int descriptor, void* buffer, std::size_t size, std::size_t& count) {
     return m_target.Read(descriptor, buffer, size, count);
 }
 

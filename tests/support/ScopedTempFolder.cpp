@@ -11,8 +11,8 @@ namespace Morvelan::Testing {
 
 ScopedTempFolder::ScopedTempFolder() {
     const char* root = std::getenv("TMPDIR");
-    std::string pattern = (root && *root ? std::string(root) : std::string("/tmp")) +
-                          "/morvelan-test-XXXXXX";
+    std::string pattern =
+        (root && *root ? std::string(root) : std::string("/tmp")) + "/morvelan-test-XXXXXX";
     std::vector<char> buffer(pattern.begin(), pattern.end());
     buffer.push_back('\0');
     if (::mkdtemp(buffer.data()) == nullptr)
