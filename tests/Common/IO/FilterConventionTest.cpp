@@ -1,0 +1,157 @@
+// The rules every pass-through filter keeps about its inner channel, checked
+// over all of them at once.
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "Yr/Exceptions.h"
+
+#include "Common/IO/BoundedIBinaryChannel.h"
+#include "Common/IO/CRC32IBinaryChannel.h"
+#include "Common/IO/CRC32OBinaryChannel.h"
+#include "Common/IO/CountingIBinaryChannel.h"
+#include "Common/IO/CountingOBinaryChannel.h"
+#include "Common/IO/NullOBinaryChannel.h"
+#include "Common/IO/RangeIBinaryChannel.h"
+#include "Common/IO/SplitterOBinaryChannel.h"
+#include "tests/support/ExpectYrException.h"
+#include "tests/support/FailingIBinaryChannel.h"
+#include "tests/support/FailingOBinaryChannel.h"
+#include "tests/support/RecordingOBinaryChannel.h"
+
+namespace {
+
+using namespace Morvelan::Common::IO;
+using namespace Morvelan::Testing;
+
+// Builds a filter over a borrowed or a shared inner channel of type Channel.
+template <class Channel>
+struct Filter {
+    const char* name;
+    std::function<std::unique_ptr<Channel>(Channel&)> borrow;
+    std::function<std::unique_ptr<Channel>(const Yr::Ref<Channel>&)> share;
+};
+
+template <class Channel, class Made, class... Rest>
+Filter<Channel> Make(const char* name, Rest... rest) {
+    const auto make = [=](auto& inner) -> std::unique_ptr<Channel> {
+        return std::make_unique<Made>(inner, rest...);
+    };
+    return {name, make, make};
+}
+
+NullOBinaryChannel g_discard;
+
+const Filter<Yr::IBinaryChannel> kInputs[] = {
+    Make<Yr::IBinaryChannel, CountingIBinaryChannel>("Counting"),
+    Make<Yr::IBinaryChannel, CRC32IBinaryChannel>("CRC32"),
+    Make<Yr::IBinaryChannel, BoundedIBinaryChannel>("Bounded", Yr::UInt64{99}),
+    Make<Yr::IBinaryChannel, RangeIBinaryChannel>("Range", Yr::UInt64{0}, Yr::UInt64{99}),
+};
+
+// The splitter passes its first channel for the one under test.
+const Filter<Yr::OBinaryChannel> kOutputs[] = {
+    Make<Yr::OBinaryChannel, CountingOBinaryChannel>("Counting"),
+    Make<Yr::OBinaryChannel, CRC32OBinaryChannel>("CRC32"),
+    Make<Yr::OBinaryChannel, SplitterOBinaryChannel>("Splitter",
+                                                     std::ref<Yr::OBinaryChannel>(g_discard)),
+};
+
+// Logs its closing and its destruction, to see who keeps an inner channel alive.
+class Probe final : public Yr::OBinaryChannel {
+public:
+    explicit Probe(std::string& log) : m_log(log) {}
+    ~Probe() override { m_log += "gone;"; }
+    void Write(const char*, Yr::UInt32) override { m_log += "write;"; }
+    void Flush() override {}
+    void Close() override { m_log += "close;"; }
+
+private:
+    std::string& m_log;
+};
+
+TEST(FilterConventionTest, EmptyRefIsRejectedAtConstruction) {
+    for (const auto& filter : kInputs) {
+        SCOPED_TRACE(filter.name);
+        ExpectYrException<Yr::IllegalArgumentException>(
+            [&] { filter.share(nullptr); }, "Invalid input channel: channel is null.", -50);
+    }
+    for (const auto& filter : kOutputs) {
+        SCOPED_TRACE(filter.name);
+        ExpectYrException<Yr::IllegalArgumentException>(
+            [&] { filter.share(nullptr); }, "Invalid output channel: channel is null.", -50);
+    }
+}
+
+// Close reaches the inner channel in both forms; destroying a borrowing filter
+// leaves the inner open and usable; a sharing one keeps it alive.
+TEST(FilterConventionTest, CloseClosesTheInnerDestructionDoesNot) {
+    char buffer[1];
+    for (const auto& filter : kInputs) {
+        SCOPED_TRACE(filter.name);
+        FailingIBinaryChannel borrowed("abc", 0);
+        filter.borrow(borrowed)->Read(buffer, 1, Yr::kReadAll);
+        borrowed.Read(buffer, 1, Yr::kReadAll);
+        EXPECT_EQ(buffer[0], 'b');
+        EXPECT_EQ(borrowed.GetCloseCount(), 0);
+        filter.borrow(borrowed)->Close();
+        EXPECT_EQ(borrowed.GetCloseCount(), 1);
+        // The filter holds the only reference; the sanitizer sees any early free.
+        Yr::Ref<FailingIBinaryChannel> shared = Yr::MakeRef<FailingIBinaryChannel>("abc", 0);
+        const FailingIBinaryChannel* inner = shared.Get();
+        const auto channel = filter.share(shared);
+        shared.Reset();
+        channel->Read(buffer, 1, Yr::kReadAll);
+        channel->Close();
+        EXPECT_EQ(buffer[0], 'a');
+        EXPECT_EQ(inner->GetCloseCount(), 1);
+    }
+    for (const auto& filter : kOutputs) {
+        SCOPED_TRACE(filter.name);
+        RecordingOBinaryChannel borrowed;
+        filter.borrow(borrowed)->Write("a", 1);
+        borrowed.Write("b", 1);
+        EXPECT_EQ(borrowed.GetBytes(), "ab");
+        EXPECT_EQ(borrowed.GetCloseCount(), 0);
+        filter.borrow(borrowed)->Close();
+        EXPECT_EQ(borrowed.GetCloseCount(), 1);
+        std::string log;
+        auto channel = filter.share(Yr::MakeRef<Probe>(log));
+        channel->Write("a", 1);
+        channel->Close();
+        channel.reset();
+        EXPECT_EQ(log, "write;close;gone;");
+    }
+}
+
+// The inner channel fails once and recovers: the filter neither counts nor
+// checksums the failed call, nor loses its place.
+TEST(FilterConventionTest, FailedInnerCallChangesNothing) {
+    for (const auto& filter : kInputs) {
+        SCOPED_TRACE(filter.name);
+        FailingIBinaryChannel inner("abcdef", 2, 2);
+        const auto channel = filter.borrow(inner);
+        char buffer[6];
+        ASSERT_EQ(channel->Read(buffer, 6, Yr::kReadSome), 2u);
+        EXPECT_THROW(channel->Read(buffer + 2, 4, Yr::kReadSome), Yr::IOException);
+        channel->Read(buffer + 2, 4, Yr::kReadAll);
+        EXPECT_EQ(std::string(buffer, 6), "abcdef");
+    }
+    FailingOBinaryChannel countingInner(2);
+    FailingOBinaryChannel crcInner(2);
+    CountingOBinaryChannel counting(countingInner);
+    CRC32OBinaryChannel crc(crcInner);
+    Yr::OBinaryChannel* const outputs[] = {&counting, &crc};
+    for (Yr::OBinaryChannel* out : outputs) {
+        out->Write("ab", 2);
+        EXPECT_THROW(out->Write("XYZ", 3), Yr::IOException);
+        out->Write("cdef", 4);
+    }
+    EXPECT_EQ(counting.GetCount(), 6u);
+    EXPECT_EQ(crc.GetCRC(), crc32(0, reinterpret_cast<const Bytef*>("abcdef"), 6));
+}
+
+}  // namespace
