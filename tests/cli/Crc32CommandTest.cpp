@@ -34,11 +34,11 @@ void WriteFile(const std::string& path, const std::string& bytes) {
 
 TEST(Crc32CommandTest, PrintsChecksumAndSizeOfEachFile) {
     Morvelan::Testing::ScopedTempFolder folder;
-    const std::string digits = folder.Path() + "/digits";
-    const std::string empty = folder.Path() + "/empty";
+    const std::string digits = folder.GetPath() + "/digits";
+    const std::string empty = folder.GetPath() + "/empty";
     WriteFile(digits, "123456789");
     WriteFile(empty, "");
-    const Outcome outcome = RunTool("crc32 " + digits + " " + empty, folder.Path());
+    const Outcome outcome = RunTool("crc32 " + digits + " " + empty, folder.GetPath());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "cbf43926 9 " + digits + "\n00000000 0 " + empty + "\n");
     EXPECT_EQ(outcome.err, "");
@@ -46,17 +46,17 @@ TEST(Crc32CommandTest, PrintsChecksumAndSizeOfEachFile) {
 
 TEST(Crc32CommandTest, ReadsStandardInputWithoutAName) {
     Morvelan::Testing::ScopedTempFolder folder;
-    WriteFile(folder.Path() + "/in", "123456789");
-    const Outcome outcome = RunTool("crc32 <" + folder.Path() + "/in", folder.Path());
+    WriteFile(folder.GetPath() + "/in", "123456789");
+    const Outcome outcome = RunTool("crc32 <" + folder.GetPath() + "/in", folder.GetPath());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "cbf43926 9\n");
 }
 
 TEST(Crc32CommandTest, ReportsAMissingFileAndGoesOn) {
     Morvelan::Testing::ScopedTempFolder folder;
-    const std::string present = folder.Path() + "/present";
+    const std::string present = folder.GetPath() + "/present";
     WriteFile(present, std::string(1 << 20, 'a'));
-    const Outcome outcome = RunTool("crc32 " + folder.Path() + "/absent " + present, folder.Path());
+    const Outcome outcome = RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder.GetPath());
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find("absent"), std::string::npos) << outcome.err;
     // 1 MiB of 'a': checked with Python's zlib.crc32.
@@ -65,9 +65,9 @@ TEST(Crc32CommandTest, ReportsAMissingFileAndGoesOn) {
 
 TEST(Crc32CommandTest, RejectsUnknownCommandsAsUsageErrors) {
     Morvelan::Testing::ScopedTempFolder folder;
-    EXPECT_EQ(RunTool("frobnicate", folder.Path()).status, 2);
-    EXPECT_EQ(RunTool("", folder.Path()).status, 2);
-    EXPECT_EQ(RunTool("--help", folder.Path()).status, 0);
+    EXPECT_EQ(RunTool("frobnicate", folder.GetPath()).status, 2);
+    EXPECT_EQ(RunTool("", folder.GetPath()).status, 2);
+    EXPECT_EQ(RunTool("--help", folder.GetPath()).status, 0);
 }
 
 }  // namespace
