@@ -10,6 +10,7 @@
 #include "Yr/ErrorCodes.h"
 #include "Yr/Exceptions.h"
 #include "Yr/MemoryManager.h"
+#include "Yr/PagedSlotPool.h"
 
 namespace Morvelan::Common {
 namespace {
@@ -74,6 +75,14 @@ void* StandardMemoryAllocator::Allocate(std::size_t size, std::size_t alignment)
 
 void StandardMemoryAllocator::Free(void* pointer) {
     Yr::MemoryManager::Free(pointer);
+}
+
+Yr::PagedSlotPool& StandardMemoryAllocator::CreatePagedSlotPool() {
+    // Pages aligned to their size, so a slot finds its page with a mask.
+    constexpr auto allocatePage = [] {
+        return Allocate(Yr::PagedSlotPool::kPageSize, Yr::PagedSlotPool::kPageSize);
+    };
+    return *new Yr::PagedSlotPool(allocatePage, &Free);
 }
 
 void* VirtualMemoryAllocator::Allocate(std::size_t size) {

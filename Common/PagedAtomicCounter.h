@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 
+#include "Yr/PagedSlotAllocated.h"
 #include "Yr/Types.h"
 
 namespace Morvelan::Common {
@@ -11,7 +12,7 @@ namespace Morvelan::Common {
 // Yr::Ref<T, PagedAtomicCounter>. Instances are 8-byte slots of 4096-byte
 // pages shared by every PagedAtomicCounter of the process rather than heap
 // blocks of their own. Every member may be called from any thread.
-class PagedAtomicCounter final {
+class PagedAtomicCounter final : public Yr::PagedSlotAllocated<PagedAtomicCounter> {
 public:
     explicit PagedAtomicCounter(Yr::Int64 initial = 0) : m_count(initial) {}
     PagedAtomicCounter(const PagedAtomicCounter&) = delete;
@@ -23,16 +24,9 @@ public:
     Yr::Int64 Decrement() { return m_count.fetch_sub(1, std::memory_order_acq_rel) - 1; }
     Yr::Int64 GetCount() const { return m_count.load(std::memory_order_relaxed); }
 
-    // Throws Yr::OutOfMemoryException when no page can be had. Out-of-memory
-    // handlers run under the pool's lock and must not delete these counters.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* slot);
-    // One slot each: arrays would not fit.
-    static void* operator new[](std::size_t size) = delete;
-    static void operator delete[](void* slots) = delete;
-
-    // Pages currently held by the pool.
-    static std::size_t GetPageCount();
+    // Out-of-memory handlers run under the pool's lock and must not delete
+    // PagedAtomicCounters.
+    static Yr::PagedSlotPool& GetSlotPool();
 
 private:
     std::atomic<Yr::Int64> m_count;

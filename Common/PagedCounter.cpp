@@ -1,43 +1,12 @@
 #include "Common/PagedCounter.h"
 
-#include <cassert>
-
 #include "Common/StandardMemoryAllocator.h"
-#include "Yr/PagedSlotPool.h"
 
 namespace Morvelan::Common {
-namespace {
 
-// Pages aligned to their size, so a slot finds its page with a mask.
-void* AllocatePage() {
-    return StandardMemoryAllocator::Allocate(Yr::PagedSlotPool::kPageSize,
-                                             Yr::PagedSlotPool::kPageSize);
-}
-
-void FreePage(void* page) {
-    StandardMemoryAllocator::Free(page);
-}
-
-// Never destroyed: counters owned by other statics may be deleted after main.
-Yr::PagedSlotPool& Pool() {
-    static Yr::PagedSlotPool* pool = new Yr::PagedSlotPool(&AllocatePage, &FreePage);
-    return *pool;
-}
-
-}  // namespace
-
-void* PagedCounter::operator new(std::size_t size) {
-    assert(size <= Yr::PagedSlotPool::kSlotSize);
-    (void)size;
-    return Pool().Take();
-}
-
-void PagedCounter::operator delete(void* slot) {
-    Pool().Return(slot);
-}
-
-std::size_t PagedCounter::GetPageCount() {
-    return Pool().GetPageCount();
+Yr::PagedSlotPool& PagedCounter::GetSlotPool() {
+    static Yr::PagedSlotPool& pool = StandardMemoryAllocator::CreatePagedSlotPool();
+    return pool;
 }
 
 }  // namespace Morvelan::Common

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "Yr/PagedSlotAllocated.h"
 #include "Yr/Types.h"
 
 namespace Morvelan::Common {
@@ -10,7 +11,7 @@ namespace Morvelan::Common {
 // blocks of their own but 8-byte slots of 4096-byte pages shared by every
 // PagedCounter of the process, so that millions of them stay cheap. new and
 // delete may be called from any thread.
-class PagedCounter final {
+class PagedCounter final : public Yr::PagedSlotAllocated<PagedCounter> {
 public:
     explicit PagedCounter(Yr::Int64 initial = 0) : m_count(initial) {}
     PagedCounter(const PagedCounter&) = delete;
@@ -21,16 +22,9 @@ public:
     Yr::Int64 Decrement() { return --m_count; }
     Yr::Int64 GetCount() const { return m_count; }
 
-    // Throws Yr::OutOfMemoryException when no page can be had. Out-of-memory
-    // handlers run under the pool's lock and must not delete PagedCounters.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* slot);
-    // One slot each: arrays would not fit.
-    static void* operator new[](std::size_t size) = delete;
-    static void operator delete[](void* slots) = delete;
-
-    // Pages currently held by the pool.
-    static std::size_t GetPageCount();
+    // Out-of-memory handlers run under the pool's lock and must not delete
+    // PagedCounters.
+    static Yr::PagedSlotPool& GetSlotPool();
 
 private:
     Yr::Int64 m_count;

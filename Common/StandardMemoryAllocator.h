@@ -2,6 +2,10 @@
 
 #include <cstddef>
 
+namespace Yr {
+class PagedSlotPool;
+}
+
 namespace Morvelan::Common {
 
 // Heap blocks from the base layer's raw allocation. When the heap has none to
@@ -18,6 +22,9 @@ public:
     static void* Allocate(std::size_t size, std::size_t alignment);
     // Ignores null.
     static void Free(void* pointer);
+    // A slot pool whose pages come from here. Never destroyed: slots may be
+    // returned by other statics after main.
+    static Yr::PagedSlotPool& CreatePagedSlotPool();
 };
 
 }  // namespace Morvelan::Common

@@ -3,13 +3,14 @@
 #include <atomic>
 #include <cstddef>
 
+#include "Yr/PagedSlotAllocated.h"
 #include "Yr/Types.h"
 
 namespace Yr {
 
 // The shared count behind a Ref. Instances live in 8-byte slots of a paged
 // pool rather than in heap blocks of their own.
-class AtomicCounter {
+class AtomicCounter : public PagedSlotAllocated<AtomicCounter> {
 public:
     explicit AtomicCounter(Int64 initial = 0) : m_count(initial) {}
     AtomicCounter(const AtomicCounter&) = delete;
@@ -20,9 +21,8 @@ public:
     Int64 Decrement() { return m_count.fetch_sub(1, std::memory_order_acq_rel) - 1; }
     Int64 GetCount() const { return m_count.load(std::memory_order_relaxed); }
 
-    static void* operator new(std::size_t size);
-    static void operator delete(void* slot);
-    static std::size_t GetPageCount();
+    // Keeps one empty page in reserve: Refs come and go all the time.
+    static PagedSlotPool& GetSlotPool();
 
 private:
     std::atomic<Int64> m_count;

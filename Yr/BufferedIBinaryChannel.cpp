@@ -3,45 +3,28 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Yr/ChannelArguments.h"
 #include "Yr/Exceptions.h"
-#include "Yr/MemoryManager.h"
 
 namespace Yr {
 namespace {
 
 constexpr const char* kSourceUnit = "Yr/BufferedIBinaryChannel";
 
-IBinaryChannel& RequireInner(const Ref<IBinaryChannel>& inner) {
-    if (inner.IsNull())
-        throw IllegalArgumentException("Invalid input channel: channel is null.", kSourceUnit,
-                                       __LINE__, kIllegalArgumentErrorCode);
-    return *inner;
-}
-
-// Checked before the buffer is allocated, so a refused channel costs nothing.
-UInt32 CheckBufferSize(UInt32 bufferSize) {
-    if (bufferSize == 0)
-        throw IllegalArgumentException("Invalid buffer size: size is 0.", kSourceUnit, __LINE__,
-                                       kIllegalArgumentErrorCode);
-    return bufferSize;
-}
-
 }  // namespace
 
 BufferedIBinaryChannel::BufferedIBinaryChannel(const Ref<IBinaryChannel>& inner, UInt32 bufferSize)
     : m_innerRef(inner),
-      m_inner(RequireInner(inner)),
-      m_bufferSize(CheckBufferSize(bufferSize)),
-      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_bufferSize))) {}
+      m_inner(RequireInput(inner, kSourceUnit, __LINE__)),
+      m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
+      m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 
 BufferedIBinaryChannel::BufferedIBinaryChannel(IBinaryChannel& inner, UInt32 bufferSize)
     : m_inner(inner),
-      m_bufferSize(CheckBufferSize(bufferSize)),
-      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_bufferSize))) {}
+      m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
+      m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 
-BufferedIBinaryChannel::~BufferedIBinaryChannel() {
-    MemoryManager::Free(m_buffer);
-}
+BufferedIBinaryChannel::~BufferedIBinaryChannel() = default;
 
 void BufferedIBinaryChannel::CheckOpened(UInt32 line) const {
     if (m_closed)
@@ -54,12 +37,12 @@ UInt32 BufferedIBinaryChannel::Read(char* buffer, UInt32 size, ReadSomeModeSelec
     if (m_position == m_end) {
         if (size >= m_bufferSize) return m_inner.Read(buffer, size, kReadSome);
         m_position = 0;
-        m_end = m_inner.Read(m_buffer, m_bufferSize, kReadSome);
+        m_end = m_inner.Read(m_buffer.get(), m_bufferSize, kReadSome);
         if (m_end == 0) return 0;
     }
     // Only what is buffered: asking the inner channel for more could block.
     const UInt32 count = std::min(size, m_end - m_position);
-    std::memcpy(buffer, m_buffer + m_position, count);
+    std::memcpy(buffer, m_buffer.get() + m_position, count);
     m_position += count;
     return count;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Yr/IBinaryChannel.h"
+#include "Yr/MemoryBlock.h"
 #include "Yr/Ref.h"
 
 namespace Yr {
@@ -30,7 +31,7 @@ private:
     Ref<IBinaryChannel> m_innerRef;  // empty when borrowed
     IBinaryChannel& m_inner;         // every call goes through this
     UInt32 m_bufferSize;
-    char* m_buffer;         // m_bufferSize bytes from MemoryManager
+    MemoryBlock m_buffer;   // m_bufferSize bytes
     UInt32 m_position = 0;  // next buffered byte to hand out
     UInt32 m_end = 0;       // end of the buffered bytes
     bool m_closed = false;

@@ -3,45 +3,28 @@
 #include <cstring>
 #include <utility>
 
+#include "Yr/ChannelArguments.h"
 #include "Yr/Exceptions.h"
-#include "Yr/MemoryManager.h"
 
 namespace Yr {
 namespace {
 
 constexpr const char* kSourceUnit = "Yr/BufferedOBinaryChannel";
 
-OBinaryChannel& RequireInner(const Ref<OBinaryChannel>& inner) {
-    if (inner.IsNull())
-        throw IllegalArgumentException("Invalid output channel: channel is null.", kSourceUnit,
-                                       __LINE__, kIllegalArgumentErrorCode);
-    return *inner;
-}
-
-// Checked before the buffer is allocated, so a refused channel costs nothing.
-UInt32 CheckBufferSize(UInt32 bufferSize) {
-    if (bufferSize == 0)
-        throw IllegalArgumentException("Invalid buffer size: size is 0.", kSourceUnit, __LINE__,
-                                       kIllegalArgumentErrorCode);
-    return bufferSize;
-}
-
 }  // namespace
 
 BufferedOBinaryChannel::BufferedOBinaryChannel(const Ref<OBinaryChannel>& inner, UInt32 bufferSize)
     : m_innerRef(inner),
-      m_inner(RequireInner(inner)),
-      m_bufferSize(CheckBufferSize(bufferSize)),
-      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_bufferSize))) {}
+      m_inner(RequireOutput(inner, kSourceUnit, __LINE__)),
+      m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
+      m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 
 BufferedOBinaryChannel::BufferedOBinaryChannel(OBinaryChannel& inner, UInt32 bufferSize)
     : m_inner(inner),
-      m_bufferSize(CheckBufferSize(bufferSize)),
-      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_bufferSize))) {}
+      m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
+      m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 
-BufferedOBinaryChannel::~BufferedOBinaryChannel() {
-    MemoryManager::Free(m_buffer);
-}
+BufferedOBinaryChannel::~BufferedOBinaryChannel() = default;
 
 void BufferedOBinaryChannel::CheckOpened(UInt32 line) const {
     if (m_closed)
@@ -52,13 +35,13 @@ void BufferedOBinaryChannel::WriteCollected() {
     if (m_used == 0) return;
     // Emptied first: after a failed write the bytes are not sent again.
     const UInt32 used = std::exchange(m_used, 0);
-    m_inner.Write(m_buffer, used);
+    m_inner.Write(m_buffer.get(), used);
 }
 
 void BufferedOBinaryChannel::Write(const char* buffer, UInt32 size) {
     CheckOpened(__LINE__);
     if (size <= m_bufferSize - m_used) {
-        if (size > 0) std::memcpy(m_buffer + m_used, buffer, size);
+        if (size > 0) std::memcpy(m_buffer.get() + m_used, buffer, size);
         m_used += size;
         return;
     }
@@ -67,7 +50,7 @@ void BufferedOBinaryChannel::Write(const char* buffer, UInt32 size) {
         m_inner.Write(buffer, size);
         return;
     }
-    std::memcpy(m_buffer, buffer, size);
+    std::memcpy(m_buffer.get(), buffer, size);
     m_used = size;
 }
 

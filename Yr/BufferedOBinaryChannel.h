@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Yr/MemoryBlock.h"
 #include "Yr/OBinaryChannel.h"
 #include "Yr/Ref.h"
 
@@ -33,7 +34,7 @@ private:
     Ref<OBinaryChannel> m_innerRef;  // empty when borrowed
     OBinaryChannel& m_inner;         // every call goes through this
     UInt32 m_bufferSize;
-    char* m_buffer;  // m_bufferSize bytes from MemoryManager
+    MemoryBlock m_buffer;  // m_bufferSize bytes
     UInt32 m_used = 0;
     bool m_closed = false;
 };

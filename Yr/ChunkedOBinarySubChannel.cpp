@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "Yr/Exceptions.h"
-#include "Yr/MemoryManager.h"
 #include "Yr/OProtocolX.h"
 
 namespace Yr {
@@ -33,11 +32,9 @@ ChunkedOBinarySubChannel::ChunkedOBinarySubChannel(OBinaryChannel& channel,
     : m_channel(channel),
       m_protocol(protocol),
       m_chunkSize(CheckChunkSize(chunkSize)),
-      m_buffer(static_cast<char*>(MemoryManager::Allocate(m_chunkSize))) {}
+      m_buffer(AllocateMemoryBlock(m_chunkSize)) {}
 
-ChunkedOBinarySubChannel::~ChunkedOBinarySubChannel() {
-    MemoryManager::Free(m_buffer);
-}
+ChunkedOBinarySubChannel::~ChunkedOBinarySubChannel() = default;
 
 void ChunkedOBinarySubChannel::CheckOpened(UInt32 line) const {
     if (m_closed)
@@ -54,7 +51,7 @@ void ChunkedOBinarySubChannel::WriteCollected() {
     if (m_used == 0) return;
     // Emptied first: after a failed write the bytes are not sent twice.
     const UInt32 used = std::exchange(m_used, 0);
-    WriteChunk(m_buffer, used);
+    WriteChunk(m_buffer.get(), used);
 }
 
 void ChunkedOBinarySubChannel::Write(const char* buffer, UInt32 size) {
@@ -67,7 +64,7 @@ void ChunkedOBinarySubChannel::Write(const char* buffer, UInt32 size) {
             continue;
         }
         const UInt32 part = std::min(size, m_chunkSize - m_used);
-        std::memcpy(m_buffer + m_used, buffer, part);
+        std::memcpy(m_buffer.get() + m_used, buffer, part);
         m_used += part;
         buffer += part;
         size -= part;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Yr/MemoryBlock.h"
+
 #include "Yr/OBinaryChannel.h"
 
 namespace Yr {
@@ -37,7 +39,7 @@ private:
     OBinaryChannel& m_channel;
     const OProtocolX& m_protocol;
     UInt32 m_chunkSize;
-    char* m_buffer;  // m_chunkSize bytes from MemoryManager
+    MemoryBlock m_buffer;  // m_chunkSize bytes
     UInt32 m_used = 0;
     bool m_closed = false;
 };

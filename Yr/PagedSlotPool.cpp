@@ -45,6 +45,14 @@ PagedSlotPool::PagedSlotPool(AllocatePageFunction allocatePage, FreePageFunction
                              bool keepOneEmptyPage)
     : m_allocatePage(allocatePage), m_freePage(freePage), m_keepOneEmptyPage(keepOneEmptyPage) {}
 
+PagedSlotPool::~PagedSlotPool() {
+    for (Page* page = m_firstWithFreeSlots; page != nullptr;) {
+        Page* next = page->next;
+        if (page->freeCount == kSlotsPerPage) m_freePage(page);
+        page = next;
+    }
+}
+
 void PagedSlotPool::Link(Page* page) {
     page->previous = nullptr;
     page->next = m_firstWithFreeSlots;

@@ -27,6 +27,8 @@ public:
     // a slot taken and returned over and over does not map a page each time.
     PagedSlotPool(AllocatePageFunction allocatePage, FreePageFunction freePage,
                   bool keepOneEmptyPage = false);
+    // Gives back an empty reserve page; pages with live slots stay theirs.
+    ~PagedSlotPool();
     PagedSlotPool(const PagedSlotPool&) = delete;
     PagedSlotPool& operator=(const PagedSlotPool&) = delete;
 

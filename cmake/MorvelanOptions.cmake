@@ -27,7 +27,7 @@ function(morvelan_add_tests name)
     add_executable(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE morvelan_options morvelan_test_support
         GTest::gtest_main GTest::gmock)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${name})
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES PROPERTIES LABELS ${name})
 endfunction()
 
 # Fuzzing builds instrument every library for coverage and memory errors; the

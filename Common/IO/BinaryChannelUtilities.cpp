@@ -7,9 +7,9 @@
 
 #include "Yr/Exceptions.h"
 #include "Yr/IBinaryChannelUtilities.h"
-#include "Yr/MemoryManager.h"
+#include "Yr/MemoryBlock.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -19,22 +19,14 @@ constexpr const char* kSourceUnit = "Common/IO/BinaryChannelUtilities";
 constexpr Yr::UInt32 kCompareBufferSize = 4096;
 constexpr Yr::UInt32 kScratchSize = 1024;
 
-struct MemoryManagerFree {
-    void operator()(char* block) const { Yr::MemoryManager::Free(block); }
-};
-using CopyBuffer = std::unique_ptr<char, MemoryManagerFree>;
-
-CopyBuffer AllocateCopyBuffer(Yr::UInt32 bufferSize) {
-    if (bufferSize == 0)
-        throw Yr::IllegalArgumentException("Invalid buffer size: size is 0.", kSourceUnit, __LINE__,
-                                           Yr::kIllegalArgumentErrorCode);
-    return CopyBuffer(static_cast<char*>(Yr::MemoryManager::Allocate(bufferSize)));
+Yr::MemoryBlock AllocateCopyBuffer(Yr::UInt32 bufferSize) {
+    return Yr::AllocateMemoryBlock(Yr::CheckBufferSize(bufferSize, kSourceUnit, __LINE__));
 }
 
 // The copy loop of Copy and CopyAll; CopyAll passes the largest length.
 Yr::UInt64 CopyUpTo(Yr::IBinaryChannel& input, Yr::OBinaryChannel& output, Yr::UInt64 length,
                     Yr::UInt32 bufferSize) {
-    const CopyBuffer buffer = AllocateCopyBuffer(bufferSize);
+    const Yr::MemoryBlock buffer = AllocateCopyBuffer(bufferSize);
     Yr::UInt64 copied = 0;
     while (copied < length) {
         const auto wanted =
@@ -57,21 +49,21 @@ Yr::UInt64 BinaryChannelUtilities::Copy(Yr::IBinaryChannel& input, Yr::OBinaryCh
 Yr::UInt64 BinaryChannelUtilities::Copy(const Yr::Ref<Yr::IBinaryChannel>& input,
                                         Yr::OBinaryChannel& output, Yr::UInt64 length,
                                         Yr::UInt32 bufferSize) {
-    return Copy(RequireInput(input, kSourceUnit, __LINE__), output, length, bufferSize);
+    return Copy(Yr::RequireInput(input, kSourceUnit, __LINE__), output, length, bufferSize);
 }
 
 Yr::UInt64 BinaryChannelUtilities::Copy(Yr::IBinaryChannel& input,
                                         const Yr::Ref<Yr::OBinaryChannel>& output,
                                         Yr::UInt64 length, Yr::UInt32 bufferSize) {
-    return Copy(input, RequireOutput(output, kSourceUnit, __LINE__), length, bufferSize);
+    return Copy(input, Yr::RequireOutput(output, kSourceUnit, __LINE__), length, bufferSize);
 }
 
 Yr::UInt64 BinaryChannelUtilities::Copy(const Yr::Ref<Yr::IBinaryChannel>& input,
                                         const Yr::Ref<Yr::OBinaryChannel>& output,
                                         Yr::UInt64 length, Yr::UInt32 bufferSize) {
     // Output before input: with both missing, the output is the one named.
-    Yr::OBinaryChannel& target = RequireOutput(output, kSourceUnit, __LINE__);
-    return Copy(RequireInput(input, kSourceUnit, __LINE__), target, length, bufferSize);
+    Yr::OBinaryChannel& target = Yr::RequireOutput(output, kSourceUnit, __LINE__);
+    return Copy(Yr::RequireInput(input, kSourceUnit, __LINE__), target, length, bufferSize);
 }
 
 Yr::UInt64 BinaryChannelUtilities::CopyAll(Yr::IBinaryChannel& input, Yr::OBinaryChannel& output,
@@ -81,20 +73,20 @@ Yr::UInt64 BinaryChannelUtilities::CopyAll(Yr::IBinaryChannel& input, Yr::OBinar
 
 Yr::UInt64 BinaryChannelUtilities::CopyAll(const Yr::Ref<Yr::IBinaryChannel>& input,
                                            Yr::OBinaryChannel& output, Yr::UInt32 bufferSize) {
-    return CopyAll(RequireInput(input, kSourceUnit, __LINE__), output, bufferSize);
+    return CopyAll(Yr::RequireInput(input, kSourceUnit, __LINE__), output, bufferSize);
 }
 
 Yr::UInt64 BinaryChannelUtilities::CopyAll(Yr::IBinaryChannel& input,
                                            const Yr::Ref<Yr::OBinaryChannel>& output,
                                            Yr::UInt32 bufferSize) {
-    return CopyAll(input, RequireOutput(output, kSourceUnit, __LINE__), bufferSize);
+    return CopyAll(input, Yr::RequireOutput(output, kSourceUnit, __LINE__), bufferSize);
 }
 
 Yr::UInt64 BinaryChannelUtilities::CopyAll(const Yr::Ref<Yr::IBinaryChannel>& input,
                                            const Yr::Ref<Yr::OBinaryChannel>& output,
                                            Yr::UInt32 bufferSize) {
-    Yr::OBinaryChannel& target = RequireOutput(output, kSourceUnit, __LINE__);
-    return CopyAll(RequireInput(input, kSourceUnit, __LINE__), target, bufferSize);
+    Yr::OBinaryChannel& target = Yr::RequireOutput(output, kSourceUnit, __LINE__);
+    return CopyAll(Yr::RequireInput(input, kSourceUnit, __LINE__), target, bufferSize);
 }
 
 bool BinaryChannelUtilities::ContentEquals(Yr::IBinaryChannel& first, Yr::IBinaryChannel& second) {
@@ -115,18 +107,18 @@ bool BinaryChannelUtilities::ContentEquals(Yr::IBinaryChannel& first, Yr::IBinar
 
 bool BinaryChannelUtilities::ContentEquals(const Yr::Ref<Yr::IBinaryChannel>& first,
                                            Yr::IBinaryChannel& second) {
-    return ContentEquals(RequireInput(first, kSourceUnit, __LINE__), second);
+    return ContentEquals(Yr::RequireInput(first, kSourceUnit, __LINE__), second);
 }
 
 bool BinaryChannelUtilities::ContentEquals(Yr::IBinaryChannel& first,
                                            const Yr::Ref<Yr::IBinaryChannel>& second) {
-    return ContentEquals(first, RequireInput(second, kSourceUnit, __LINE__));
+    return ContentEquals(first, Yr::RequireInput(second, kSourceUnit, __LINE__));
 }
 
 bool BinaryChannelUtilities::ContentEquals(const Yr::Ref<Yr::IBinaryChannel>& first,
                                            const Yr::Ref<Yr::IBinaryChannel>& second) {
-    Yr::IBinaryChannel& firstChannel = RequireInput(first, kSourceUnit, __LINE__);
-    return ContentEquals(firstChannel, RequireInput(second, kSourceUnit, __LINE__));
+    Yr::IBinaryChannel& firstChannel = Yr::RequireInput(first, kSourceUnit, __LINE__);
+    return ContentEquals(firstChannel, Yr::RequireInput(second, kSourceUnit, __LINE__));
 }
 
 Yr::UInt64 BinaryChannelUtilities::Skip(Yr::IBinaryChannel& input, Yr::UInt64 count) {
@@ -145,7 +137,7 @@ Yr::UInt64 BinaryChannelUtilities::Skip(Yr::IBinaryChannel& input, Yr::UInt64 co
 
 Yr::UInt64 BinaryChannelUtilities::Skip(const Yr::Ref<Yr::IBinaryChannel>& input,
                                         Yr::UInt64 count) {
-    return Skip(RequireInput(input, kSourceUnit, __LINE__), count);
+    return Skip(Yr::RequireInput(input, kSourceUnit, __LINE__), count);
 }
 
 void BinaryChannelUtilities::FillWithZeros(Yr::OBinaryChannel& output, Yr::UInt64 count) {
@@ -159,7 +151,7 @@ void BinaryChannelUtilities::FillWithZeros(Yr::OBinaryChannel& output, Yr::UInt6
 
 void BinaryChannelUtilities::FillWithZeros(const Yr::Ref<Yr::OBinaryChannel>& output,
                                            Yr::UInt64 count) {
-    FillWithZeros(RequireOutput(output, kSourceUnit, __LINE__), count);
+    FillWithZeros(Yr::RequireOutput(output, kSourceUnit, __LINE__), count);
 }
 
 }  // namespace Morvelan::Common::IO

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -15,12 +15,12 @@ BoundedIBinaryChannel::BoundedIBinaryChannel(Yr::IBinaryChannel& inner, Yr::UInt
 
 BoundedIBinaryChannel::BoundedIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner,
                                              Yr::UInt64 limit)
-    : m_innerRef(inner), m_inner(RequireInput(inner, kSourceUnit, __LINE__)), m_limit(limit) {}
+    : m_innerRef(inner), m_inner(Yr::RequireInput(inner, kSourceUnit, __LINE__)), m_limit(limit) {}
 
 BoundedIBinaryChannel::~BoundedIBinaryChannel() = default;
 
 Yr::UInt32 BoundedIBinaryChannel::Read(char* buffer, Yr::UInt32 size, Yr::ReadSomeModeSelector) {
-    CheckTargetBuffer(buffer, size, kSourceUnit, __LINE__);
+    Yr::CheckTargetBuffer(buffer, size, kSourceUnit, __LINE__);
     const auto wanted = static_cast<Yr::UInt32>(std::min<Yr::UInt64>(size, m_limit - m_readSoFar));
     if (wanted == 0) return 0;
     const Yr::UInt32 count = m_inner.Read(buffer, wanted, Yr::kReadSome);

@@ -1,6 +1,6 @@
 #include "Common/IO/CRC32IBinaryChannel.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -10,7 +10,7 @@ constexpr const char* kSourceUnit = "Common/IO/CRC32IBinaryChannel";
 CRC32IBinaryChannel::CRC32IBinaryChannel(Yr::IBinaryChannel& inner) : m_inner(inner) {}
 
 CRC32IBinaryChannel::CRC32IBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner)
-    : m_innerRef(inner), m_inner(RequireInput(inner, kSourceUnit, __LINE__)) {}
+    : m_innerRef(inner), m_inner(Yr::RequireInput(inner, kSourceUnit, __LINE__)) {}
 
 CRC32IBinaryChannel::~CRC32IBinaryChannel() = default;
 

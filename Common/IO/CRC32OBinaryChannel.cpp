@@ -1,6 +1,6 @@
 #include "Common/IO/CRC32OBinaryChannel.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -10,7 +10,7 @@ constexpr const char* kSourceUnit = "Common/IO/CRC32OBinaryChannel";
 CRC32OBinaryChannel::CRC32OBinaryChannel(Yr::OBinaryChannel& inner) : m_inner(inner) {}
 
 CRC32OBinaryChannel::CRC32OBinaryChannel(const Yr::Ref<Yr::OBinaryChannel>& inner)
-    : m_innerRef(inner), m_inner(RequireOutput(inner, kSourceUnit, __LINE__)) {}
+    : m_innerRef(inner), m_inner(Yr::RequireOutput(inner, kSourceUnit, __LINE__)) {}
 
 CRC32OBinaryChannel::~CRC32OBinaryChannel() = default;
 

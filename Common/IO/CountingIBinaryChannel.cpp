@@ -1,6 +1,6 @@
 #include "Common/IO/CountingIBinaryChannel.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -10,7 +10,7 @@ constexpr const char* kSourceUnit = "Common/IO/CountingIBinaryChannel";
 CountingIBinaryChannel::CountingIBinaryChannel(Yr::IBinaryChannel& inner) : m_inner(inner) {}
 
 CountingIBinaryChannel::CountingIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner)
-    : m_innerRef(inner), m_inner(RequireInput(inner, kSourceUnit, __LINE__)) {}
+    : m_innerRef(inner), m_inner(Yr::RequireInput(inner, kSourceUnit, __LINE__)) {}
 
 CountingIBinaryChannel::~CountingIBinaryChannel() = default;
 

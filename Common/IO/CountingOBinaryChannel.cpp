@@ -1,6 +1,6 @@
 #include "Common/IO/CountingOBinaryChannel.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -10,7 +10,7 @@ constexpr const char* kSourceUnit = "Common/IO/CountingOBinaryChannel";
 CountingOBinaryChannel::CountingOBinaryChannel(Yr::OBinaryChannel& inner) : m_inner(inner) {}
 
 CountingOBinaryChannel::CountingOBinaryChannel(const Yr::Ref<Yr::OBinaryChannel>& inner)
-    : m_innerRef(inner), m_inner(RequireOutput(inner, kSourceUnit, __LINE__)) {}
+    : m_innerRef(inner), m_inner(Yr::RequireOutput(inner, kSourceUnit, __LINE__)) {}
 
 CountingOBinaryChannel::~CountingOBinaryChannel() = default;
 

@@ -6,7 +6,7 @@
 #include "Yr/Exceptions.h"
 #include "Yr/IBinaryChannelUtilities.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -34,7 +34,7 @@ RangeIBinaryChannel::RangeIBinaryChannel(Yr::IBinaryChannel& inner, Yr::UInt64 o
 RangeIBinaryChannel::RangeIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner,
                                          Yr::UInt64 offset, Yr::UInt64 length)
     : m_innerRef(inner),
-      m_inner(RequireInput(inner, kSourceUnit, __LINE__)),
+      m_inner(Yr::RequireInput(inner, kSourceUnit, __LINE__)),
       m_start(offset),
       m_end(offset + length) {
     CheckRange(offset, length);
@@ -43,7 +43,7 @@ RangeIBinaryChannel::RangeIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inne
 RangeIBinaryChannel::~RangeIBinaryChannel() = default;
 
 Yr::UInt32 RangeIBinaryChannel::Read(char* buffer, Yr::UInt32 size, Yr::ReadSomeModeSelector) {
-    CheckTargetBuffer(buffer, size, kSourceUnit, __LINE__);
+    Yr::CheckTargetBuffer(buffer, size, kSourceUnit, __LINE__);
     CheckOpened(kSourceUnit, __LINE__);
     EnsurePrefixSkipped();
     // Still short of the start: the inner stream ended inside the prefix.

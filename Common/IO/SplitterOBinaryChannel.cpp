@@ -2,7 +2,7 @@
 
 #include "Yr/Exceptions.h"
 
-#include "Common/IO/ChannelArguments.h"
+#include "Yr/ChannelArguments.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -19,20 +19,20 @@ SplitterOBinaryChannel::SplitterOBinaryChannel(Yr::OBinaryChannel& output1,
                                                const Yr::Ref<Yr::OBinaryChannel>& output2)
     : m_outputRef2(output2),
       m_output1(output1),
-      m_output2(RequireOutput(output2, kSourceUnit, __LINE__)) {}
+      m_output2(Yr::RequireOutput(output2, kSourceUnit, __LINE__)) {}
 
 SplitterOBinaryChannel::SplitterOBinaryChannel(const Yr::Ref<Yr::OBinaryChannel>& output1,
                                                Yr::OBinaryChannel& output2)
     : m_outputRef1(output1),
-      m_output1(RequireOutput(output1, kSourceUnit, __LINE__)),
+      m_output1(Yr::RequireOutput(output1, kSourceUnit, __LINE__)),
       m_output2(output2) {}
 
 SplitterOBinaryChannel::SplitterOBinaryChannel(const Yr::Ref<Yr::OBinaryChannel>& output1,
                                                const Yr::Ref<Yr::OBinaryChannel>& output2)
     : m_outputRef1(output1),
       m_outputRef2(output2),
-      m_output1(RequireOutput(output1, kSourceUnit, __LINE__)),
-      m_output2(RequireOutput(output2, kSourceUnit, __LINE__)) {}
+      m_output1(Yr::RequireOutput(output1, kSourceUnit, __LINE__)),
+      m_output2(Yr::RequireOutput(output2, kSourceUnit, __LINE__)) {}
 
 SplitterOBinaryChannel::~SplitterOBinaryChannel() = default;
 
