@@ -3,7 +3,7 @@
 .PHONY: all deps demo test sanitize tsan bench fuzz format clean
 
 SOURCES = $(shell git ls-files '*.h' '*.cpp')
-DEMO_FILES = README.md CMakeLists.txt Makefile $(shell git ls-files 'Yr/*.h' | head -n 5)
+DEMO_FILES = README.md Makefile CMakeLists.txt $(wildcard docs/formats/*.md)
 FUZZ_SECONDS ?= 30
 
 all: test
@@ -11,10 +11,10 @@ all: test
 deps:
 	@bash scripts/install-deps.sh
 
-# The main job: build the tool and run it on the repository's own files.
+# The main job: build everything and run the tool on the repository's own files.
 demo: deps
 	@cmake --preset release >/dev/null
-	@cmake --build --preset release --target morvelan
+	@cmake --build --preset release
 	@echo "--- morvelan crc32 on this repository's files"
 	@build/release/cli/morvelan crc32 $(DEMO_FILES)
 	@echo "--- and on standard input"

@@ -1,11 +1,11 @@
+#include "Yr/Guid.h"
+
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cstring>
-#include <functional>
 
 #include "Yr/Exceptions.h"
-#include "Yr/Guid.h"
 
 namespace {
 
@@ -15,28 +15,13 @@ const Yr::Guid kSample{
 TEST(GuidTest, TextRoundTripsInUppercase) {
     EXPECT_EQ(kSample.ToString(), "00112233-4455-6677-8899-AABBCCDDEEFF");
     EXPECT_EQ(Yr::Guid::Parse("00112233-4455-6677-8899-aabbccddeeff"), kSample);
-    EXPECT_EQ(std::hash<Yr::Guid>()(Yr::Guid::Parse(kSample.ToString())),
-              std::hash<Yr::Guid>()(kSample));
-    Yr::Guid other = kSample;
-    other.data4[7] = 0xFE;
-    EXPECT_FALSE(other == kSample);
-}
-
-TEST(GuidTest, ParseRejectsMalformedText) {
     for (const char* text : {
-             "00112233-4455-6677-8899-AABBCCDDEEF",     // a digit short
-             "{00112233-4455-6677-8899-AABBCCDDEEFF}",  // braces
-             "0011223-34455-6677-8899-AABBCCDDEEFF",    // a hyphen one place early
-             "0011223G-4455-6677-8899-AABBCCDDEEFF",
+             "00112233-4455-6677-8899-AABBCCDDEEF",         // a digit short
+             "0011223-34455-6677-8899-AABBCCDDEEFF",        // a hyphen one place early
+             "0011223G-4455-6677-8899-AABBCCDDEEFF",        // not a hex digit
              "00112233-4455-6677-8899-AABBCCDDEE\xC3\xA9",  // 36 bytes, 35 characters
          }) {
-        SCOPED_TRACE(text);
-        try {
-            Yr::Guid::Parse(text);
-            ADD_FAILURE() << "accepted";
-        } catch (const Yr::IllegalArgumentException& e) {
-            EXPECT_EQ(e.GetMessage().GetPrefix(19), "Invalid GUID text: ");
-        }
+        EXPECT_THROW(Yr::Guid::Parse(text), Yr::IllegalArgumentException) << text;
     }
 }
 

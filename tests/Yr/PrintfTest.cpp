@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <limits>
 #include <string>
+#include <utility>
 
 #include "Yr/UniString.h"
 
@@ -11,99 +11,57 @@ namespace {
 
 using Yr::UniString;
 
-// Our conversion and the C conversion that means the same for this value:
-// our 'l' is 32-bit, C's is 64-bit on this platform.
 template <class T>
-struct LikeC {
-    const char* ours;
-    const char* c;
-    T value;
-};
+std::string C(const char* format, T value) {
+    char text[128];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
 
-template <class T, std::size_t N>
-void ExpectSameAsSnprintf(const LikeC<T> (&rows)[N]) {
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.ours);
-        char expected[256];
-        std::snprintf(expected, sizeof expected, row.c, row.value);
-        EXPECT_EQ(UniString::Printf(row.ours, row.value).ToUtf8(), expected);
-    }
+template <class... Arguments>
+std::string Ours(const char* format, Arguments&&... arguments) {
+    return UniString::Printf(format, std::forward<Arguments>(arguments)...).ToUtf8();
 }
 
 TEST(PrintfTest, ConversionsPrintAsC) {
-    const LikeC<Yr::Int32> kInt32[] = {
-        {"%d", "%d", std::numeric_limits<Yr::Int32>::min()},
-        {"%d", "%d", std::numeric_limits<Yr::Int32>::max()},
-        {"[%6d]", "[%6d]", -42},
-        {"[%-6d]", "[%-6d]", -42},
-        {"[%06d]", "[%06d]", -42},
-        {"%+d", "%+d", 7},
-        {"%ld", "%d", std::numeric_limits<Yr::Int32>::min()},
-        {"[%8ld]", "[%8d]", 123456},
+    // Our 'l' is 32-bit; C's is 64-bit here, so those rows compare with C's plain form.
+    const std::pair<std::string, std::string> kCases[] = {
+        {Ours("%d", INT32_MIN), C("%d", INT32_MIN)},
+        {Ours("[%-6d]", -42), C("[%-6d]", -42)},
+        {Ours("[%+06d]", 42), C("[%+06d]", 42)},
+        {Ours("[%8ld]", INT32_MIN), C("[%8d]", INT32_MIN)},
+        {Ours("%hd", Yr::Int16{-32768}), C("%hd", -32768)},
+        {Ours("%hu", Yr::UInt16{65535}), C("%hu", 65535)},
+        {Ours("%u", UINT32_MAX), C("%u", UINT32_MAX)},
+        {Ours("[%-10lu]", UINT32_MAX), C("[%-10u]", UINT32_MAX)},
+        {Ours("%x", 0xDEADBEEFu), C("%x", 0xDEADBEEFu)},
+        {Ours("%#010X", 0xBEEFu), C("%#010X", 0xBEEFu)},
+        {Ours("%llu", UINT64_MAX), C("%llu", UINT64_MAX)},
+        {Ours("%lld", Yr::Int64{INT64_MIN}), C("%lld", Yr::Int64{INT64_MIN})},
+        {Ours("%.2f", -0.005), C("%.2f", -0.005)},
+        {Ours("[%8.2f%%]", 99.999), C("[%8.2f%%]", 99.999)},
+        {Ours("[%-8s]", "abc"), C("[%-8s]", "abc")},
+        {Ours("[%.2s]", "abcdef"), C("[%.2s]", "abcdef")},
+        {Ours("[%3c]", 'x'), C("[%3c]", 'x')},
     };
-    const LikeC<Yr::Int16> kInt16[] = {{"%hd", "%hd", -32768}, {"%hd", "%hd", 32767}};
-    const LikeC<Yr::Int64> kInt64[] = {{"%lld", "%lld", std::numeric_limits<Yr::Int64>::min()}};
-    const LikeC<Yr::UInt32> kUInt32[] = {
-        {"%u", "%u", 4294967295u}, {"%lu bytes", "%u bytes", 4294967295u},
-        {"%x", "%x", 0xDEADBEEFu}, {"%X", "%X", 0xDEADBEEFu},
-        {"%08x", "%08x", 0xBEEFu}, {"%#x", "%#x", 255u},
-        {"[%10u]", "[%10u]", 99u}, {"[%-10lu]", "[%-10u]", 99u},
-    };
-    const LikeC<Yr::UInt16> kUInt16[] = {{"%hu", "%hu", 65535}, {"%x", "%x", 0xFFFF}};
-    const LikeC<Yr::UInt64> kUInt64[] = {
-        {"%llu", "%llu", std::numeric_limits<Yr::UInt64>::max()},
-        {"%llx", "%llx", 0x0123456789ABCDEFull},
-    };
-    const LikeC<double> kDouble[] = {
-        {"%.2f", "%.2f", 3.14159},    {"%.2f", "%.2f", -0.005},    {"%.2f", "%.2f", 1e10},
-        {"%.2f%%", "%.2f%%", 99.999}, {"[%8.3f]", "[%8.3f]", 2.5}, {"%f", "%f", 0.1},
-    };
-    const LikeC<const char*> kStrings[] = {
-        {"%s", "%s", "archive.bin"}, {"'%s'", "'%s'", ""},           {"[%8s]", "[%8s]", "abc"},
-        {"[%-8s]", "[%-8s]", "abc"}, {"[%.2s]", "[%.2s]", "abcdef"},
-    };
-    const LikeC<char> kChars[] = {{"[%3c]", "[%3c]", 'x'}, {"[%-3c]", "[%-3c]", 'x'}};
-    ExpectSameAsSnprintf(kInt32);
-    ExpectSameAsSnprintf(kInt16);
-    ExpectSameAsSnprintf(kInt64);
-    ExpectSameAsSnprintf(kUInt32);
-    ExpectSameAsSnprintf(kUInt16);
-    ExpectSameAsSnprintf(kUInt64);
-    ExpectSameAsSnprintf(kDouble);
-    ExpectSameAsSnprintf(kStrings);
-    ExpectSameAsSnprintf(kChars);
+    for (const auto& [ours, c] : kCases) EXPECT_EQ(ours, c);
 }
 
-TEST(PrintfTest, KnownTexts) {
-    EXPECT_EQ(UniString::Printf("%lu", 4294967295u).ToUtf8(), "4294967295");
-    EXPECT_EQ(UniString::Printf("%llu", UINT64_MAX).ToUtf8(), "18446744073709551615");
-    EXPECT_EQ(UniString::Printf("100%% of %u%%", 5u).ToUtf8(), "100% of 5%");
-    EXPECT_EQ(UniString::Printf("no conversions").ToUtf8(), "no conversions");
-    EXPECT_EQ(UniString::Printf("Failed to copy file system entry from: '%T' to: '%T'.",
-                                UniString("a/b"), UniString("c\xC3\xA9"))
-                  .ToUtf8(),
-              "Failed to copy file system entry from: 'a/b' to: 'c\xC3\xA9'.");
-    EXPECT_EQ(UniString::Printf("%s/%d", std::string("dir"), 3).ToUtf8(), "dir/3");
-    // Bytes from outside may be ill formed; the result never is.
-    EXPECT_EQ(UniString::Printf("<%s>", "a\xFF").ToUtf8(), "<a\xEF\xBF\xBD>");
-}
-
-TEST(PrintfTest, TextWidthAndPrecisionCountCharacters) {
+TEST(PrintfTest, TextArgumentsAndWidthsCountCharacters) {
+    EXPECT_EQ(Ours("'%T' %s/%d", UniString("c\xC3\xA9"), std::string("dir"), 3),
+              "'c\xC3\xA9' dir/3");
+    EXPECT_EQ(Ours("<%s>", "a\xFF"), "<a\xEF\xBF\xBD>");  // the result is never ill formed
     // C would count the bytes of the UTF-8 form; these count code points.
-    const UniString euroE("\xE2\x82\xAC\xC3\xA9");
-    EXPECT_EQ(UniString::Printf("[%5T]", euroE).ToUtf8(), "[   \xE2\x82\xAC\xC3\xA9]");
-    EXPECT_EQ(UniString::Printf("[%-4T]", euroE).ToUtf8(), "[\xE2\x82\xAC\xC3\xA9  ]");
-    EXPECT_EQ(UniString::Printf("[%.1T]", euroE).ToUtf8(), "[\xE2\x82\xAC]");
-    EXPECT_EQ(UniString::Printf("[%4s]", "\xC3\xA9").ToUtf8(), "[   \xC3\xA9]");
+    EXPECT_EQ(Ours("[%5T]", UniString("\xE2\x82\xAC\xC3\xA9")), "[   \xE2\x82\xAC\xC3\xA9]");
+    EXPECT_EQ(Ours("[%.1T]", UniString("\xE2\x82\xAC\xC3\xA9")), "[\xE2\x82\xAC]");
+    EXPECT_EQ(Ours("[%-3s]", "\xC3\xA9"), "[\xC3\xA9  ]");
 }
 
 TEST(PrintfTest, MismatchedArgumentsStopDebugBuilds) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const char* const kMessage = "does not fit its conversion";
     EXPECT_DEBUG_DEATH(UniString::Printf("%lu", Yr::UInt64{1}), kMessage);
-    EXPECT_DEBUG_DEATH(UniString::Printf("%u", std::size_t{1}), kMessage);
     EXPECT_DEBUG_DEATH(UniString::Printf("%d", 1u), kMessage);
-    EXPECT_DEBUG_DEATH(UniString::Printf("%u", -1), kMessage);
     EXPECT_DEBUG_DEATH(UniString::Printf("%s", 1), kMessage);
     EXPECT_DEBUG_DEATH(UniString::Printf("%T", "narrow"), kMessage);
     EXPECT_DEBUG_DEATH(UniString::Printf("%d and %d", 1), kMessage);

@@ -19,4 +19,16 @@ void ExpectYrException(Action&& action, const char* message, int errorCode) {
     }
 }
 
+// Whether a handler for `Catch` catches `exception` when it is thrown.
+template <class Catch, class Thrown>
+bool IsCaughtAs(const Thrown& exception) {
+    try {
+        throw exception;
+    } catch (const Catch&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 }  // namespace Morvelan::Testing

@@ -10,8 +10,8 @@
 namespace Morvelan::Testing {
 
 // Keeps what is written and how: the size of each Write, the Flush and Close
-// calls. With SetFailing every later Write throws IOException, as a full
-// disk or a broken pipe would.
+// calls. While failing (SetFailing) every Write throws IOException and keeps
+// nothing, as a full disk or a broken pipe would; SetFailing(false) recovers.
 class RecordingOBinaryChannel final : public Yr::OBinaryChannel {
 public:
     void Write(const char* buffer, Yr::UInt32 size) override {
@@ -24,7 +24,7 @@ public:
     void Flush() override { ++m_flushes; }
     void Close() override { ++m_closes; }
 
-    void SetFailing() { m_failing = true; }
+    void SetFailing(bool failing = true) { m_failing = failing; }
     const std::string& GetBytes() const { return m_bytes; }
     const std::vector<Yr::UInt32>& GetWriteSizes() const { return m_writeSizes; }
     int GetFlushCount() const { return m_flushes; }

@@ -25,8 +25,8 @@ TEST(RangeIBinaryChannelTest, YieldsTheBytesOfTheRange) {
         Yr::UInt64 offset;
         Yr::UInt64 length;
         std::string expected;
-    } kCases[] = {{0, 1, "2"},  {0, 8, "23456789"}, {3, 4, "5678"}, {7, 1, "9"},
-                  {6, 5, "89"}, {8, 1, ""},         {25, 3, ""},    {0, kLargest - 1, "23456789"}};
+    } kCases[] = {{0, 1, "2"}, {3, 4, "5678"}, {6, 5, "89"},
+                  {8, 1, ""},  {25, 3, ""},    {0, kLargest - 1, "23456789"}};
     for (const auto& c : kCases) {
         SCOPED_TRACE(testing::Message() << c.offset << "+" << c.length);
         FailingIBinaryChannel inner("0123456789", 0);
@@ -55,13 +55,10 @@ TEST(RangeIBinaryChannelTest, RejectsOutOfRangeArgumentsLengthFirst) {
                   {kLargest, 0, kLength},
                   {kLargest, 1, "Invalid range: offset is out of allowed range."}};
     Yr::MemoryIBinaryChannel inner("0123456789", 10);
-    const Yr::Ref<Yr::IBinaryChannel> shared(inner, Yr::NotOwned{});
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.message);
         ExpectYrException<Yr::IllegalArgumentException>(
             [&] { RangeIBinaryChannel(inner, c.offset, c.length); }, c.message, -50);
-        ExpectYrException<Yr::IllegalArgumentException>(
-            [&] { RangeIBinaryChannel(shared, c.offset, c.length); }, c.message, -50);
     }
 }
 
@@ -79,9 +76,6 @@ TEST(RangeIBinaryChannelTest, ClosesInnerOnceThenRejectsUseBufferChecksFirst) {
     ExpectYrException<Yr::IllegalArgumentException>(
         [&] { channel.Read(nullptr, 4, Yr::kReadSome); },
         "Invalid target buffer: target buffer is null.", -50);
-    ExpectYrException<Yr::IllegalArgumentException>([&] { channel.Read(buffer, 0, Yr::kReadSome); },
-                                                    "Invalid target buffer: buffer size is 0.",
-                                                    -50);
 }
 
 }  // namespace
