@@ -64,11 +64,18 @@ bool ParseConversion(const char* format, std::size_t& position, Conversion& conv
     return true;
 }
 
+// Appends only: g++ 12 misreads string concatenation at -O3 as overlapping.
 std::string Spec(const Conversion& conversion, const char* length, char type) {
-    std::string spec = "%" + conversion.flags;
-    if (conversion.width >= 0) spec += std::to_string(conversion.width);
-    if (conversion.precision >= 0) spec += "." + std::to_string(conversion.precision);
-    return spec + length + type;
+    std::string spec(1, '%');
+    spec.append(conversion.flags);
+    if (conversion.width >= 0) spec.append(std::to_string(conversion.width));
+    if (conversion.precision >= 0) {
+        spec.push_back('.');
+        spec.append(std::to_string(conversion.precision));
+    }
+    spec.append(length);
+    spec.push_back(type);
+    return spec;
 }
 
 template <class T>
