@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "Common/ExceptionPrinting.h"
@@ -17,14 +18,26 @@ namespace {
 
 constexpr const char* kSourceUnit = "Common/MemoryAllocator";
 
+// Handlers copied onto the stack before the walk; more than this spill to
+// the heap, which is then all the more likely to fail.
+constexpr std::size_t kInlineHandlers = 10;
+
 // Asks the registered handlers, in order, to release memory for a request of
-// `size` bytes; true when one did. The manager hands out a copy of its list,
-// so a handler may unregister itself meanwhile. A handler that fails in the
-// base layer's way is only logged: the others may still help.
+// `size` bytes; true when one did. The walk is over a copy of the list, so a
+// handler may unregister itself meanwhile. A handler that fails in the base
+// layer's way is only logged: the others may still help.
 bool ReleaseMemory(std::size_t size) {
-    const std::vector<Yr::MemoryAllocationFailureHandler*> handlers =
-        Yr::MemoryManager::GetFailureHandlers();
-    for (Yr::MemoryAllocationFailureHandler* handler : handlers) {
+    Yr::MemoryAllocationFailureHandler* inlineHandlers[kInlineHandlers];
+    std::vector<Yr::MemoryAllocationFailureHandler*> spilled;
+    std::span<Yr::MemoryAllocationFailureHandler*> handlers(inlineHandlers);
+    std::size_t count = Yr::MemoryManager::CopyFailureHandlers(handlers.data(), handlers.size());
+    // Handlers registered meanwhile may ask for another round.
+    while (count > handlers.size()) {
+        spilled.resize(count);
+        handlers = spilled;
+        count = Yr::MemoryManager::CopyFailureHandlers(handlers.data(), handlers.size());
+    }
+    for (Yr::MemoryAllocationFailureHandler* handler : handlers.first(count)) {
         try {
             if (handler->ReleaseMemory(size)) return true;
         } catch (const Yr::YrException& exception) {

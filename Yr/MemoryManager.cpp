@@ -85,9 +85,12 @@ void MemoryManager::UnregisterFailureHandler(MemoryAllocationFailureHandler& han
     handlers.erase(std::remove(handlers.begin(), handlers.end(), &handler), handlers.end());
 }
 
-std::vector<MemoryAllocationFailureHandler*> MemoryManager::GetFailureHandlers() {
+std::size_t MemoryManager::CopyFailureHandlers(MemoryAllocationFailureHandler** target,
+                                               std::size_t capacity) {
     std::lock_guard<std::mutex> guard(HandlerLock());
-    return Handlers();
+    const auto& handlers = Handlers();
+    std::copy_n(handlers.begin(), std::min(capacity, handlers.size()), target);
+    return handlers.size();
 }
 
 RawMemorySource* MemoryManager::SetRawMemorySource(RawMemorySource* source) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
 namespace Yr {
 
@@ -38,8 +37,12 @@ public:
 
     static void RegisterFailureHandler(MemoryAllocationFailureHandler& handler);
     static void UnregisterFailureHandler(MemoryAllocationFailureHandler& handler);
-    // A copy, so handlers may unregister themselves while it is walked.
-    static std::vector<MemoryAllocationFailureHandler*> GetFailureHandlers();
+    // Copies up to `capacity` handlers, in registration order, into `target`
+    // and returns how many there are in all. A copy, so handlers may
+    // unregister themselves while it is walked; into the caller's array, so
+    // that a walk on behalf of a failed allocation needs no memory itself.
+    static std::size_t CopyFailureHandlers(MemoryAllocationFailureHandler** target,
+                                           std::size_t capacity);
 
     // Installs a source and returns the previous one; null restores the heap.
     // Blocks taken before the switch are freed through the new source, so a

@@ -65,29 +65,29 @@ bool ParseConversion(const char* format, std::size_t& position, Conversion& conv
 }
 
 // Appends only: g++ 12 misreads string concatenation at -O3 as overlapping.
-std::string Spec(const Conversion& conversion, const char* length, char type) {
-    std::string spec(1, '%');
-    spec.append(conversion.flags);
-    if (conversion.width >= 0) spec.append(std::to_string(conversion.width));
+std::string CFormatOf(const Conversion& conversion, const char* length, char type) {
+    std::string cFormat(1, '%');
+    cFormat.append(conversion.flags);
+    if (conversion.width >= 0) cFormat.append(std::to_string(conversion.width));
     if (conversion.precision >= 0) {
-        spec.push_back('.');
-        spec.append(std::to_string(conversion.precision));
+        cFormat.push_back('.');
+        cFormat.append(std::to_string(conversion.precision));
     }
-    spec.append(length);
-    spec.push_back(type);
-    return spec;
+    cFormat.append(length);
+    cFormat.push_back(type);
+    return cFormat;
 }
 
 template <class T>
-void AppendPrintf(std::string& out, const std::string& spec, T value) {
+void AppendPrintf(std::string& out, const std::string& cFormat, T value) {
     char small[128];
-    const int needed = std::snprintf(small, sizeof small, spec.c_str(), value);
+    const int needed = std::snprintf(small, sizeof small, cFormat.c_str(), value);
     if (needed < static_cast<int>(sizeof small)) {
         out.append(small, static_cast<std::size_t>(needed));
         return;
     }
     std::string large(static_cast<std::size_t>(needed) + 1, '\0');
-    std::snprintf(large.data(), large.size(), spec.c_str(), value);
+    std::snprintf(large.data(), large.size(), cFormat.c_str(), value);
     out.append(large.data(), static_cast<std::size_t>(needed));
 }
 
@@ -141,11 +141,11 @@ void AppendInteger(std::string& out, const Conversion& conversion, const FormatA
         const int shift = static_cast<int>(64 - 8 * std::min<std::size_t>(bytes, 8));
         const auto value =
             static_cast<long long>(static_cast<Int64>((bits & mask) << shift) >> shift);
-        AppendPrintf(out, Spec(conversion, "ll", 'd'), value);
+        AppendPrintf(out, CFormatOf(conversion, "ll", 'd'), value);
     } else if (type == 'c') {
-        AppendPrintf(out, Spec(conversion, "", 'c'), static_cast<int>(bits & 0xFF));
+        AppendPrintf(out, CFormatOf(conversion, "", 'c'), static_cast<int>(bits & 0xFF));
     } else {
-        AppendPrintf(out, Spec(conversion, "ll", type),
+        AppendPrintf(out, CFormatOf(conversion, "ll", type),
                      static_cast<unsigned long long>(bits & mask));
     }
 }
@@ -172,7 +172,7 @@ void AppendArgument(std::string& out, const Conversion& conversion,
             const char type = std::string("fFeEgG").find(conversion.type) != std::string::npos
                                   ? conversion.type
                                   : 'g';
-            AppendPrintf(out, Spec(conversion, "", type), argument.GetFloating());
+            AppendPrintf(out, CFormatOf(conversion, "", type), argument.GetFloating());
             return;
         }
         case Kind::NarrowString:

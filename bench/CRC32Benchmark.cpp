@@ -27,7 +27,8 @@ void BM_CRC32_Update(benchmark::State& state) {
 void BM_ZlibCrc32(benchmark::State& state) {
     const std::string data = Morvelan::Bench::RandomBytes(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
-        uLong crc = crc32(0L, reinterpret_cast<const Bytef*>(data.data()), static_cast<uInt>(data.size()));
+        uLong crc =
+            crc32(0L, reinterpret_cast<const Bytef*>(data.data()), static_cast<uInt>(data.size()));
         benchmark::DoNotOptimize(crc);
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * state.range(0));

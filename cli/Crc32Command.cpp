@@ -23,9 +23,10 @@ void PrintChecksum(FileIBinaryChannel& file, const std::string& label) {
     Common::IO::NullOBinaryChannel nowhere;
     Common::IO::BinaryChannelUtilities::CopyAll(checksummed, nowhere, kCopyBufferSize);
     const Yr::UniString line =
-        label.empty() ? Yr::UniString::Printf("%08x %llu\n", checksummed.GetCRC(), counted.GetCount())
-                      : Yr::UniString::Printf("%08x %llu %s\n", checksummed.GetCRC(), counted.GetCount(),
-                                              label);
+        label.empty()
+            ? Yr::UniString::Printf("%08x %llu\n", checksummed.GetCRC(), counted.GetCount())
+            : Yr::UniString::Printf("%08x %llu %s\n", checksummed.GetCRC(), counted.GetCount(),
+                                    label);
     std::fputs(line.ToPrintf(), stdout);
 }
 

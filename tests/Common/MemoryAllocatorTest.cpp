@@ -1,8 +1,10 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -67,6 +69,18 @@ TEST(MemoryAllocatorTest, FailedAllocationAsksHandlersInOrderUntilOneReleases) {
     EXPECT_EQ(calls, "abc");
     EXPECT_NE(debugOutput.GetText().find("IOException: Cache flush failed."), std::string::npos)
         << debugOutput.GetText();
+}
+
+// More handlers than the walk keeps on the stack: the last still gets asked.
+TEST(MemoryAllocatorTest, HandlersBeyondTheInlineTenAreAskedToo) {
+    int asked = 0;
+    std::vector<std::unique_ptr<ScriptedHandler>> handlers;
+    for (int i = 0; i < 12; ++i)
+        handlers.push_back(std::make_unique<ScriptedHandler>(
+            [&asked, i](std::size_t) { return ++asked, i == 11; }));
+    FailingMemorySource source(1);
+    StandardMemoryAllocator::Free(StandardMemoryAllocator::Allocate(64));
+    EXPECT_EQ(asked, 12);
 }
 
 TEST(MemoryAllocatorTest, NoReleaseMeansOutOfMemory) {

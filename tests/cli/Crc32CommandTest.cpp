@@ -25,7 +25,8 @@ Outcome RunTool(const std::string& arguments, const std::string& folder) {
     const std::string command = std::string(MORVELAN_TOOL) + " " + arguments + " >" + folder +
                                 "/out.txt 2>" + folder + "/err.txt";
     const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(folder + "/out.txt"), Slurp(folder + "/err.txt")};
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(folder + "/out.txt"),
+            Slurp(folder + "/err.txt")};
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
@@ -56,7 +57,8 @@ TEST(Crc32CommandTest, ReportsAMissingFileAndGoesOn) {
     Morvelan::Testing::ScopedTempFolder folder;
     const std::string present = folder.GetPath() + "/present";
     WriteFile(present, std::string(1 << 20, 'a'));
-    const Outcome outcome = RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder.GetPath());
+    const Outcome outcome =
+        RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder.GetPath());
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find("absent"), std::string::npos) << outcome.err;
     // 1 MiB of 'a': checked with Python's zlib.crc32.
