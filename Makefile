@@ -47,6 +47,7 @@ fuzz:
 	@bash scripts/run-fuzzers.sh build/fuzz/fuzz $(FUZZ_SECONDS)
 
 format:
+	@bash scripts/install-deps.sh format
 	@clang-format -i $(SOURCES)
 
 clean:

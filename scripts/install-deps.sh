@@ -3,13 +3,15 @@
 # those that are missing, so it is cheap to run before every build.
 #   scripts/install-deps.sh          build, test and benchmark packages
 #   scripts/install-deps.sh fuzz     also the clang toolchain for libFuzzer
+#   scripts/install-deps.sh format   also clang-format
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make python3 zlib1g-dev libgtest-dev libgmock-dev
           libbenchmark-dev libcli11-dev)
-if [[ "${1:-}" == "fuzz" ]]; then
-    packages+=(clang libclang-rt-dev)
-fi
+case "${1:-}" in
+    fuzz) packages+=(clang libclang-rt-dev) ;;
+    format) packages+=(clang-format) ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
