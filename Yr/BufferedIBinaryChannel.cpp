@@ -14,13 +14,12 @@ constexpr const char* kSourceUnit = "Yr/BufferedIBinaryChannel";
 }  // namespace
 
 BufferedIBinaryChannel::BufferedIBinaryChannel(const Ref<IBinaryChannel>& inner, UInt32 bufferSize)
-    : m_innerRef(inner),
-      m_inner(RequireInput(inner, kSourceUnit, __LINE__)),
+    : FilterIBinaryChannel(inner, kSourceUnit, __LINE__),
       m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
       m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 
 BufferedIBinaryChannel::BufferedIBinaryChannel(IBinaryChannel& inner, UInt32 bufferSize)
-    : m_inner(inner),
+    : FilterIBinaryChannel(inner),
       m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
       m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Yr/IBinaryChannel.h"
+#include "Yr/FilterIBinaryChannel.h"
 #include "Yr/MemoryBlock.h"
-#include "Yr/Ref.h"
 
 namespace Yr {
 
@@ -12,14 +11,14 @@ namespace Yr {
 // buffered and closes the inner channel; later calls throw IOException.
 // Destruction leaves the inner channel open. The plain-reference form
 // borrows the inner channel: the caller keeps it alive.
-class BufferedIBinaryChannel final : public IBinaryChannel {
+class BufferedIBinaryChannel final : public FilterIBinaryChannel {
 public:
     // A bufferSize of 0 throws IllegalArgumentException; an empty Ref too.
     BufferedIBinaryChannel(const Ref<IBinaryChannel>& inner, UInt32 bufferSize);
     BufferedIBinaryChannel(IBinaryChannel& inner, UInt32 bufferSize);
     ~BufferedIBinaryChannel() override;
 
-    using IBinaryChannel::Read;
+    using FilterIBinaryChannel::Read;
     UInt32 Read(char* buffer, UInt32 size, ReadSomeModeSelector) override;
     // The bytes buffered plus the inner channel's.
     UInt64 GetAvailable() const override;
@@ -28,8 +27,6 @@ public:
 private:
     void CheckOpened(UInt32 line) const;
 
-    Ref<IBinaryChannel> m_innerRef;  // empty when borrowed
-    IBinaryChannel& m_inner;         // every call goes through this
     UInt32 m_bufferSize;
     MemoryBlock m_buffer;   // m_bufferSize bytes
     UInt32 m_position = 0;  // next buffered byte to hand out

@@ -14,13 +14,12 @@ constexpr const char* kSourceUnit = "Yr/BufferedOBinaryChannel";
 }  // namespace
 
 BufferedOBinaryChannel::BufferedOBinaryChannel(const Ref<OBinaryChannel>& inner, UInt32 bufferSize)
-    : m_innerRef(inner),
-      m_inner(RequireOutput(inner, kSourceUnit, __LINE__)),
+    : FilterOBinaryChannel(inner, kSourceUnit, __LINE__),
       m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
       m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 
 BufferedOBinaryChannel::BufferedOBinaryChannel(OBinaryChannel& inner, UInt32 bufferSize)
-    : m_inner(inner),
+    : FilterOBinaryChannel(inner),
       m_bufferSize(CheckBufferSize(bufferSize, kSourceUnit, __LINE__)),
       m_buffer(AllocateMemoryBlock(m_bufferSize)) {}
 

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "Yr/FilterOBinaryChannel.h"
 #include "Yr/MemoryBlock.h"
-#include "Yr/OBinaryChannel.h"
-#include "Yr/Ref.h"
 
 namespace Yr {
 
@@ -15,7 +14,7 @@ namespace Yr {
 // Destruction neither writes nor closes (a destructor must not throw): bytes
 // still collected then are lost, so callers Flush or Close first. The
 // plain-reference form borrows the inner channel: the caller keeps it alive.
-class BufferedOBinaryChannel final : public OBinaryChannel {
+class BufferedOBinaryChannel final : public FilterOBinaryChannel {
 public:
     // A bufferSize of 0 throws IllegalArgumentException; an empty Ref too.
     BufferedOBinaryChannel(const Ref<OBinaryChannel>& inner, UInt32 bufferSize);
@@ -31,8 +30,6 @@ private:
     void CheckOpened(UInt32 line) const;
     void WriteCollected();
 
-    Ref<OBinaryChannel> m_innerRef;  // empty when borrowed
-    OBinaryChannel& m_inner;         // every call goes through this
     UInt32 m_bufferSize;
     MemoryBlock m_buffer;  // m_bufferSize bytes
     UInt32 m_used = 0;

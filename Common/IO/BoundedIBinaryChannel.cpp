@@ -11,11 +11,11 @@ constexpr const char* kSourceUnit = "Common/IO/BoundedIBinaryChannel";
 
 // A limit of 0 is allowed: it makes an empty stream.
 BoundedIBinaryChannel::BoundedIBinaryChannel(Yr::IBinaryChannel& inner, Yr::UInt64 limit)
-    : m_inner(inner), m_limit(limit) {}
+    : FilterIBinaryChannel(inner), m_limit(limit) {}
 
 BoundedIBinaryChannel::BoundedIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner,
                                              Yr::UInt64 limit)
-    : m_innerRef(inner), m_inner(Yr::RequireInput(inner, kSourceUnit, __LINE__)), m_limit(limit) {}
+    : FilterIBinaryChannel(inner, kSourceUnit, __LINE__), m_limit(limit) {}
 
 BoundedIBinaryChannel::~BoundedIBinaryChannel() = default;
 
@@ -30,10 +30,6 @@ Yr::UInt32 BoundedIBinaryChannel::Read(char* buffer, Yr::UInt32 size, Yr::ReadSo
 
 Yr::UInt64 BoundedIBinaryChannel::GetAvailable() const {
     return std::min(m_inner.GetAvailable(), m_limit - m_readSoFar);
-}
-
-void BoundedIBinaryChannel::Close() {
-    m_inner.Close();
 }
 
 }  // namespace Morvelan::Common::IO

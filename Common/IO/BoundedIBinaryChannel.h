@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Yr/IBinaryChannel.h"
-#include "Yr/Ref.h"
+#include "Yr/FilterIBinaryChannel.h"
 
 namespace Morvelan::Common::IO {
 
@@ -9,23 +8,18 @@ namespace Morvelan::Common::IO {
 // the stream without asking the inner channel again. A borrowed inner channel
 // must outlive the filter; a shared one is kept alive by it. Close() closes
 // the inner channel; destruction leaves it open.
-class BoundedIBinaryChannel final : public Yr::IBinaryChannel {
+class BoundedIBinaryChannel final : public Yr::FilterIBinaryChannel {
 public:
     BoundedIBinaryChannel(Yr::IBinaryChannel& inner, Yr::UInt64 limit);
     BoundedIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner, Yr::UInt64 limit);
-    BoundedIBinaryChannel(const BoundedIBinaryChannel&) = delete;
-    BoundedIBinaryChannel& operator=(const BoundedIBinaryChannel&) = delete;
     ~BoundedIBinaryChannel() override;
 
-    using Yr::IBinaryChannel::Read;
+    using Yr::FilterIBinaryChannel::Read;
     Yr::UInt32 Read(char* buffer, Yr::UInt32 size, Yr::ReadSomeModeSelector) override;
     // The inner channel's answer, capped by what the limit leaves.
     Yr::UInt64 GetAvailable() const override;
-    void Close() override;
 
 private:
-    Yr::Ref<Yr::IBinaryChannel> m_innerRef;  // empty when borrowed
-    Yr::IBinaryChannel& m_inner;             // every call goes through this
     Yr::UInt64 m_readSoFar = 0;
     Yr::UInt64 m_limit;
 };

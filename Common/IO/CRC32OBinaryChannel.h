@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Yr/OBinaryChannel.h"
-#include "Yr/Ref.h"
+#include "Yr/FilterOBinaryChannel.h"
 
 #include "Common/IO/CRC32.h"
 
@@ -10,25 +9,19 @@ namespace Morvelan::Common::IO {
 // Passes writes through and keeps the CRC-32 of the bytes written. A borrowed
 // inner channel must outlive the filter; a shared one is kept alive by it.
 // Close() closes the inner channel; destruction leaves it open.
-class CRC32OBinaryChannel final : public Yr::OBinaryChannel {
+class CRC32OBinaryChannel final : public Yr::FilterOBinaryChannel {
 public:
     explicit CRC32OBinaryChannel(Yr::OBinaryChannel& inner);
     explicit CRC32OBinaryChannel(const Yr::Ref<Yr::OBinaryChannel>& inner);
-    CRC32OBinaryChannel(const CRC32OBinaryChannel&) = delete;
-    CRC32OBinaryChannel& operator=(const CRC32OBinaryChannel&) = delete;
     ~CRC32OBinaryChannel() override;
 
     void Write(const char* buffer, Yr::UInt32 size) override;
-    void Flush() override;
-    void Close() override;
 
     // CRC-32 of the bytes written since construction or the last Reset().
     Yr::UInt32 GetCRC() const { return m_crc.GetValue(); }
     void Reset() { m_crc.Reset(); }
 
 private:
-    Yr::Ref<Yr::OBinaryChannel> m_innerRef;  // empty when borrowed
-    Yr::OBinaryChannel& m_inner;             // every call goes through this
     CRC32 m_crc;
 };
 

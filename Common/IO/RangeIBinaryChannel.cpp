@@ -27,16 +27,13 @@ void CheckRange(Yr::UInt64 offset, Yr::UInt64 length) {
 
 RangeIBinaryChannel::RangeIBinaryChannel(Yr::IBinaryChannel& inner, Yr::UInt64 offset,
                                          Yr::UInt64 length)
-    : m_inner(inner), m_start(offset), m_end(offset + length) {
+    : FilterIBinaryChannel(inner), m_start(offset), m_end(offset + length) {
     CheckRange(offset, length);
 }
 
 RangeIBinaryChannel::RangeIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner,
                                          Yr::UInt64 offset, Yr::UInt64 length)
-    : m_innerRef(inner),
-      m_inner(Yr::RequireInput(inner, kSourceUnit, __LINE__)),
-      m_start(offset),
-      m_end(offset + length) {
+    : FilterIBinaryChannel(inner, kSourceUnit, __LINE__), m_start(offset), m_end(offset + length) {
     CheckRange(offset, length);
 }
 

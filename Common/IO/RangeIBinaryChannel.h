@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Yr/IBinaryChannel.h"
-#include "Yr/Ref.h"
+#include "Yr/FilterIBinaryChannel.h"
 
 namespace Morvelan::Common::IO {
 
@@ -10,18 +9,16 @@ namespace Morvelan::Common::IO {
 // Read or GetAvailable. Close() closes the inner channel once and makes later
 // calls throw; destruction leaves it open. A borrowed inner channel must
 // outlive the filter; a shared one is kept alive by it.
-class RangeIBinaryChannel final : public Yr::IBinaryChannel {
+class RangeIBinaryChannel final : public Yr::FilterIBinaryChannel {
 public:
     // `length` must be neither 0 nor the largest UInt64, `offset` not the
     // largest UInt64; offset + length is not checked for overflow.
     RangeIBinaryChannel(Yr::IBinaryChannel& inner, Yr::UInt64 offset, Yr::UInt64 length);
     RangeIBinaryChannel(const Yr::Ref<Yr::IBinaryChannel>& inner, Yr::UInt64 offset,
                         Yr::UInt64 length);
-    RangeIBinaryChannel(const RangeIBinaryChannel&) = delete;
-    RangeIBinaryChannel& operator=(const RangeIBinaryChannel&) = delete;
     ~RangeIBinaryChannel() override;
 
-    using Yr::IBinaryChannel::Read;
+    using Yr::FilterIBinaryChannel::Read;
     Yr::UInt32 Read(char* buffer, Yr::UInt32 size, Yr::ReadSomeModeSelector) override;
     // Skips the prefix too, although const: a query consumes it like a read.
     Yr::UInt64 GetAvailable() const override;
@@ -32,8 +29,6 @@ private:
     void EnsurePrefixSkipped();
     Yr::UInt64 GetRemaining() const;
 
-    Yr::Ref<Yr::IBinaryChannel> m_innerRef;  // empty when borrowed
-    Yr::IBinaryChannel& m_inner;             // every call goes through this
     Yr::UInt64 m_start;
     Yr::UInt64 m_end;
     // Bytes this filter took from the inner channel; mutable for GetAvailable.
