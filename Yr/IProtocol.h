@@ -5,6 +5,8 @@
 namespace Yr {
 
 class IChannel;
+class Object;
+class UniString;
 struct Guid;
 
 // Reads typed values from an error-code channel in one wire layout; each
@@ -28,6 +30,10 @@ public:
     // narrow character code. The caller makes the buffer large enough: there
     // is no size to check against.
     virtual YrErrCode Read(IChannel& channel, char* buffer) = 0;
+    virtual YrErrCode Read(IChannel& channel, UniString& value) = 0;
+    // Any other value reads itself; UniString is not an Object here, so its
+    // overload above is the one strings take.
+    virtual YrErrCode Read(IChannel& channel, Object& value);
 
 protected:
     IProtocol() = default;

@@ -22,4 +22,22 @@ void IProtocolX::Read(IBinaryChannel& channel, Guid& value) const {
     value.data1 = static_cast<UInt32>(data1);
 }
 
+void IProtocolX::Read(IBinaryChannel& channel, unsigned char& value) const {
+    char bits = 0;
+    Read(channel, bits);
+    value = static_cast<unsigned char>(bits);
+}
+
+void IProtocolX::Read(IBinaryChannel& channel, unsigned int& value) const {
+    int bits = 0;
+    Read(channel, bits);
+    value = static_cast<unsigned int>(bits);
+}
+
+void IProtocolX::Read(IBinaryChannel& channel, UInt64& value) const {
+    Int64 bits = 0;
+    Read(channel, bits);
+    value = static_cast<UInt64>(bits);
+}
+
 }  // namespace Yr

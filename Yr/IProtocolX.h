@@ -29,6 +29,10 @@ public:
     // unsigned short, then the 8 bytes as they come.
     virtual void Read(IBinaryChannel& channel, Guid& value) const;
     virtual void Read(IBinaryChannel& channel, UniString& value) const = 0;
+    // The unsigned twins read the bits of the signed value of their width.
+    virtual void Read(IBinaryChannel& channel, unsigned char& value) const;
+    virtual void Read(IBinaryChannel& channel, unsigned int& value) const;
+    virtual void Read(IBinaryChannel& channel, UInt64& value) const;
 
 protected:
     IProtocolX() = default;

@@ -5,6 +5,8 @@
 namespace Yr {
 
 class OChannel;
+class Object;
+class UniString;
 struct Guid;
 
 // Writes typed values to an error-code channel in one wire layout, the twin
@@ -26,6 +28,9 @@ public:
     // A NUL-terminated string in the platform's narrow character code; the
     // layout of strings is the protocol's.
     virtual YrErrCode Write(OChannel& channel, const char* text) = 0;
+    virtual YrErrCode Write(OChannel& channel, const UniString& text) = 0;
+    // Any other value writes itself, as IProtocol reads it.
+    virtual YrErrCode Write(OChannel& channel, const Object& value);
 
 protected:
     OProtocol() = default;

@@ -27,6 +27,10 @@ public:
     // unsigned short, then the 8 bytes as they are.
     virtual void Write(OBinaryChannel& channel, const Guid& value) const;
     virtual void Write(OBinaryChannel& channel, const UniString& value) const = 0;
+    // The unsigned twins write their bits as the signed value of their width.
+    virtual void Write(OBinaryChannel& channel, unsigned char value) const;
+    virtual void Write(OBinaryChannel& channel, unsigned int value) const;
+    virtual void Write(OBinaryChannel& channel, UInt64 value) const;
     // A literal would otherwise be taken silently as a bool.
     void Write(OBinaryChannel& channel, const char* value) const = delete;
 
