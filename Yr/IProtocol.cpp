@@ -4,6 +4,8 @@
 
 namespace Yr {
 
-YrErrCode IProtocol::Read(IChannel& channel, Object& value) { return value.Read(channel, *this); }
+YrErrCode IProtocol::Read(IChannel& channel, Object& value) {
+    return value.Read(channel, *this);
+}
 
 }  // namespace Yr

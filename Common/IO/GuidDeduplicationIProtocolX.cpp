@@ -82,8 +82,7 @@ void GuidDeduplicationIProtocolX::Read(Yr::IBinaryChannel& channel, double& valu
     GetInputProtocol().Read(channel, value);
 }
 
-void GuidDeduplicationIProtocolX::Read(Yr::IBinaryChannel& channel,
-                                       Yr::UniString& value) const {
+void GuidDeduplicationIProtocolX::Read(Yr::IBinaryChannel& channel, Yr::UniString& value) const {
     GetInputProtocol().Read(channel, value);
 }
 

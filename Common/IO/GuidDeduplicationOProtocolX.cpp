@@ -18,8 +18,7 @@ GuidDeduplicationOProtocolX::GuidDeduplicationOProtocolX(const Yr::OProtocolX& w
 
 GuidDeduplicationOProtocolX::~GuidDeduplicationOProtocolX() = default;
 
-void GuidDeduplicationOProtocolX::Write(Yr::OBinaryChannel& channel,
-                                        const Yr::Guid& value) const {
+void GuidDeduplicationOProtocolX::Write(Yr::OBinaryChannel& channel, const Yr::Guid& value) const {
     const auto [entry, inserted] = m_sequenceIds.try_emplace(value, kPendingId);
     if (!inserted) {
         GetOutputProtocol().Write(channel, kSequenceIdSelector);

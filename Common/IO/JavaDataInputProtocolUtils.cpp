@@ -64,8 +64,8 @@ Yr::YrErrCode ReadExactly(Yr::IChannel& channel, char* buffer, Yr::UInt32 size) 
     return status;
 }
 
-void ReadExactly(Yr::IBinaryChannel& channel, char* buffer, Yr::UInt32 size,
-                 const char* sourceUnit, Yr::UInt32 line) {
+void ReadExactly(Yr::IBinaryChannel& channel, char* buffer, Yr::UInt32 size, const char* sourceUnit,
+                 Yr::UInt32 line) {
     if (Yr::IBinaryChannelUtilities::ReadFully(channel, buffer, size) < size)
         throw Yr::EndOfInputException("End of input reached.", sourceUnit, line,
                                       Yr::kEndOfInputErrorCode);

@@ -73,8 +73,7 @@ void JavaDataOutputProtocolX::Write(Yr::OBinaryChannel& channel, const Yr::Guid&
     channel.Write(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-void JavaDataOutputProtocolX::Write(Yr::OBinaryChannel& channel,
-                                    const Yr::UniString& value) const {
+void JavaDataOutputProtocolX::Write(Yr::OBinaryChannel& channel, const Yr::UniString& value) const {
     WriteUTF(channel, value);
 }
 

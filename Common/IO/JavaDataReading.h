@@ -13,7 +13,7 @@ Yr::YrErrCode ReadExactly(Yr::IChannel& channel, char* buffer, Yr::UInt32 size);
 
 // Exception flavour: a stream that ends early throws Yr::EndOfInputException
 // "End of input reached." with the given origin.
-void ReadExactly(Yr::IBinaryChannel& channel, char* buffer, Yr::UInt32 size,
-                 const char* sourceUnit, Yr::UInt32 line);
+void ReadExactly(Yr::IBinaryChannel& channel, char* buffer, Yr::UInt32 size, const char* sourceUnit,
+                 Yr::UInt32 line);
 
 }  // namespace Morvelan::Common::IO::JavaDataReading
