@@ -1,6 +1,7 @@
 #include "Yr/UniString.h"
 
 #include <cassert>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -90,9 +91,25 @@ std::size_t SequenceLength(std::string_view bytes, std::size_t offset, const cha
     return count;
 }
 
+// Wire strings are mostly ASCII: skip eight such bytes at a time.
+std::size_t SkipAscii(std::string_view bytes, std::size_t offset) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080ull;
+    while (offset + 8 <= bytes.size()) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes.data() + offset, sizeof word);
+        if ((word & kHighBits) != 0) break;
+        offset += 8;
+    }
+    return offset;
+}
+
 void ValidateUtf8(std::string_view bytes) {
     const char* fault = nullptr;
-    for (std::size_t i = 0; i < bytes.size();) {
+    for (std::size_t i = SkipAscii(bytes, 0); i < bytes.size();) {
+        if (static_cast<unsigned char>(bytes[i]) < 0x80) {
+            i = SkipAscii(bytes, i + 1);
+            continue;
+        }
         const std::size_t length = SequenceLength(bytes, i, fault);
         if (length == 0) ThrowConversionError(fault, __LINE__);
         i += length;

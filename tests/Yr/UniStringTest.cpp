@@ -52,6 +52,9 @@ TEST(UniStringTest, IllFormedTextIsRefused) {
              "\xED\xA0\x80", "\xED\xBF\xBF",                  // surrogates
              "ok\xC3", "\xE2\x82!", "\xF0\x9F\x98", "a\x80",  // cut sequences
              "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF",  // above U+10FFFF
+             "01234567\xC3", "0123456789abcdef\xFF",
+             "0123456789\xC3\xA9"
+             "abcdefgh\x80",  // after ASCII runs
          }) {
         EXPECT_THROW(UniString::FromUtf8(bytes), Yr::ConversionErrorException)
             << testing::PrintToString(bytes);
