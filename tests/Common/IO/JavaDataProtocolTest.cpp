@@ -20,13 +20,16 @@
 #include "Yr/MemoryIBinaryChannel.h"
 #include "Yr/Object.h"
 #include "tests/support/ExpectYrException.h"
+#include "tests/support/HexBytes.h"
 #include "tests/support/OneByteIBinaryChannel.h"
 #include "tests/support/RecordingOBinaryChannel.h"
 
 namespace {
 
 using namespace Morvelan::Common::IO;
+using Morvelan::Testing::BytesFromHex;
 using Morvelan::Testing::ExpectYrException;
+using Morvelan::Testing::Hex;
 using Morvelan::Testing::OneByteIBinaryChannel;
 using Morvelan::Testing::RecordingOBinaryChannel;
 
@@ -34,24 +37,6 @@ using Value = std::variant<char, bool, short, unsigned short, int, Yr::Int64, fl
                            Yr::Guid, Yr::UniString>;
 
 const Yr::Guid kGuid{0x00112233, 0x4455, 0x6677, {0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}};
-
-std::string Hex(const std::string& bytes) {
-    static const char* const kDigits = "0123456789ABCDEF";
-    std::string text;
-    for (const unsigned char byte : bytes) {
-        if (!text.empty()) text += ' ';
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
-    return text;
-}
-
-std::string Bytes(const char* hex) {
-    std::string bytes;
-    for (const char* p = hex; *p != '\0'; p += (p[2] == ' ' ? 3 : 2))
-        bytes += static_cast<char>(std::stoi(std::string(p, 2), nullptr, 16));
-    return bytes;
-}
 
 // Values compare by their bits, so NaN payloads count.
 bool SameValue(const Value& a, const Value& b) {
@@ -131,8 +116,9 @@ TEST(JavaDataProtocolTest, BothFlavoursWriteAndReadJavasLayout) {
         SCOPED_TRACE(layout.bytes);
         EXPECT_EQ(Hex(WriteX(layout.value)), layout.bytes);
         EXPECT_EQ(Hex(WriteWithCodes(layout.value)), layout.bytes);
-        EXPECT_TRUE(SameValue(ReadX(Bytes(layout.bytes), layout.value), layout.value));
-        EXPECT_TRUE(SameValue(ReadWithCodes(Bytes(layout.bytes), layout.value), layout.value));
+        EXPECT_TRUE(SameValue(ReadX(BytesFromHex(layout.bytes), layout.value), layout.value));
+        EXPECT_TRUE(
+            SameValue(ReadWithCodes(BytesFromHex(layout.bytes), layout.value), layout.value));
     }
 }
 
@@ -145,14 +131,14 @@ TEST(JavaDataProtocolTest, NaNIsCanonicalOnWritingAndKeptOnReading) {
     JavaDataOutputProtocolX::GetInstance().Write(sink, static_cast<long double>(doubleNaN));
     EXPECT_EQ(Hex(sink.GetBytes()), "7F F8 00 00 00 00 00 00");
 
-    const Value read = ReadX(Bytes("7F C0 00 01"), 0.0f);
+    const Value read = ReadX(BytesFromHex("7F C0 00 01"), 0.0f);
     EXPECT_EQ(std::bit_cast<Yr::UInt32>(std::get<float>(read)), 0x7FC00001u);
 }
 
 TEST(JavaDataProtocolTest, OnlyTheByteOneReadsAsTrue) {
     for (const char* byte : {"02", "FF", "80"}) {
-        EXPECT_FALSE(std::get<bool>(ReadX(Bytes(byte), true))) << byte;
-        EXPECT_FALSE(std::get<bool>(ReadWithCodes(Bytes(byte), true))) << byte;
+        EXPECT_FALSE(std::get<bool>(ReadX(BytesFromHex(byte), true))) << byte;
+        EXPECT_FALSE(std::get<bool>(ReadWithCodes(BytesFromHex(byte), true))) << byte;
     }
 }
 
@@ -219,10 +205,10 @@ TEST(JavaDataProtocolTest, ShortInputThrowsEndOfInputOrReturnsTheStatus) {
     for (const ShortCase& c : cases) {
         SCOPED_TRACE(c.bytes);
         Value value = c.like;
-        ExpectYrException<Yr::EndOfInputException>([&] { ReadX(Bytes(c.bytes), value); },
+        ExpectYrException<Yr::EndOfInputException>([&] { ReadX(BytesFromHex(c.bytes), value); },
                                                    "End of input reached.",
                                                    Yr::kEndOfInputErrorCode);
-        OneByteIBinaryChannel source(Bytes(c.bytes));
+        OneByteIBinaryChannel source(BytesFromHex(c.bytes));
         Yr::BinaryIChannel channel(source);
         std::visit(
             [&](auto& v) {
@@ -234,7 +220,7 @@ TEST(JavaDataProtocolTest, ShortInputThrowsEndOfInputOrReturnsTheStatus) {
 
 TEST(JavaDataProtocolTest, ErrorCodeFlavourTurnsExceptionsInsideIntoStatuses) {
     // C0 80 is Java's form of U+0000, not standard UTF-8.
-    OneByteIBinaryChannel source(Bytes("00 02 C0 80"));
+    OneByteIBinaryChannel source(BytesFromHex("00 02 C0 80"));
     Yr::BinaryIChannel input(source);
     Yr::UniString text;
     EXPECT_EQ(ReadUTF(input, text), Yr::kReadErrorCode);
