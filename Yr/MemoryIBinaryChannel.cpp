@@ -1,7 +1,8 @@
 #include "Yr/MemoryIBinaryChannel.h"
 
 #include <algorithm>
-#include <cstring>
+
+#include "Yr/CopyBytes.h"
 
 namespace Yr {
 
@@ -15,7 +16,7 @@ MemoryIBinaryChannel::MemoryIBinaryChannel(const char* data, UInt32 size, bool c
 
 UInt32 MemoryIBinaryChannel::Read(char* buffer, UInt32 size, ReadSomeModeSelector) {
     const UInt32 count = std::min(size, m_size - m_position);
-    if (count > 0) std::memcpy(buffer, m_data + m_position, count);
+    CopyBytes(buffer, m_data + m_position, count);
     m_position += count;
     return count;
 }

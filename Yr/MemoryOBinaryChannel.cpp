@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Yr/CopyBytes.h"
 #include "Yr/MemoryManager.h"
 
 namespace Yr {
@@ -37,12 +38,17 @@ void MemoryOBinaryChannel::Reserve(std::size_t capacity) {
 }
 
 void MemoryOBinaryChannel::Write(const char* buffer, UInt32 size) {
-    if (size == 0) return;
-    // Doubling keeps a long series of small writes linear.
-    if (m_size + size > m_capacity)
-        Reserve(std::max<std::size_t>(m_size + size, m_capacity * 2 + 64));
-    std::memcpy(m_buffer + m_size, buffer, size);
+    // Growing stays out of line, so the usual write saves no registers.
+    if (m_capacity - m_size < size) [[unlikely]]
+        Grow(size);
+    char* at = m_buffer + m_size;
     m_size += size;
+    CopyBytes(at, buffer, size);
+}
+
+// Doubling keeps a long series of small writes linear.
+void MemoryOBinaryChannel::Grow(UInt32 size) {
+    Reserve(std::max<std::size_t>(m_size + size, m_capacity * 2 + 64));
 }
 
 char* MemoryOBinaryChannel::ReleaseBuffer() {

@@ -29,6 +29,7 @@ public:
 
 private:
     void Reserve(std::size_t capacity);
+    [[gnu::noinline]] void Grow(UInt32 size);
 
     char* m_buffer = nullptr;
     std::size_t m_size = 0;

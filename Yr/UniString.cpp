@@ -151,6 +151,12 @@ UniString::UniString(std::u16string_view text) {
 UniString::UniString(const char16_t* text)
     : UniString(text ? std::u16string_view(text) : std::u16string_view()) {}
 
+UniString& UniString::AssignUtf8(const char* utf8, std::size_t byteCount) {
+    ValidateUtf8(std::string_view(utf8, byteCount));
+    m_utf8.assign(utf8, byteCount);
+    return *this;
+}
+
 UniString UniString::FromUtf8(std::string_view utf8) {
     return UniString(utf8.data(), utf8.size(), CharacterCode::Utf8);
 }

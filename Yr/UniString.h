@@ -30,6 +30,9 @@ public:
     explicit UniString(const char16_t* text);
 
     static UniString FromUtf8(std::string_view utf8);
+    // Replaces the text with `byteCount` bytes of UTF-8, reusing this
+    // string's memory; ill-formed bytes throw and leave the text as it was.
+    UniString& AssignUtf8(const char* utf8, std::size_t byteCount);
     // For bytes from outside (OS names, %s arguments): each byte that is not
     // part of a well-formed sequence becomes U+FFFD instead of failing.
     static UniString FromUtf8Replacing(std::string_view bytes);

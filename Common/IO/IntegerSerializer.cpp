@@ -2,6 +2,7 @@
 
 #include "Common/IO/IntegerSerializerException.h"
 #include "Yr/ErrorCodes.h"
+#include "Yr/Exceptions.h"
 
 namespace Morvelan::Common::IO {
 namespace {
@@ -14,6 +15,7 @@ constexpr Yr::UInt32 kTenthByteLine = 45;
 constexpr Yr::UInt32 kBeyond32BitsLine = 65;
 
 constexpr int kLastByteIndex = 9;
+constexpr Yr::UInt32 kMaxByteCount = 10;
 constexpr unsigned kMoreBytes = 0x80;
 constexpr unsigned kValueBits = 0x7F;
 
@@ -21,18 +23,29 @@ constexpr unsigned kValueBits = 0x7F;
     throw IntegerSerializerException(kTooLarge, kSourceUnit, line, Yr::kIOErrorCode);
 }
 
+// Bytes are taken from the binary channel one at a time: reading ahead would
+// take the next value's bytes.
+char ReadByte(Yr::IBinaryChannel& channel) {
+    char byte = 0;
+    if (channel.Read(&byte, 1, Yr::kReadSome) == 0)
+        throw Yr::EndOfInputException("End of input reached.", kSourceUnit, __LINE__,
+                                      Yr::kEndOfInputErrorCode);
+    return byte;
+}
+
 }  // namespace
 
+// The bytes are the wire form itself, whatever the channel's protocol, so
+// they go to its binary channel in one call instead of one call a byte.
 void IntegerSerializer::Write(Yr::OChannelX& channel, unsigned long long value) {
-    for (;;) {
-        const auto group = static_cast<unsigned>(value & kValueBits);
+    char bytes[kMaxByteCount];
+    Yr::UInt32 count = 0;
+    while (value > kValueBits) {
+        bytes[count++] = static_cast<char>((value & kValueBits) | kMoreBytes);
         value >>= 7;
-        if (value == 0) {
-            channel.Write(static_cast<char>(group));
-            return;
-        }
-        channel.Write(static_cast<char>(group | kMoreBytes));
     }
+    bytes[count++] = static_cast<char>(value);
+    channel.GetBinaryChannel().Write(bytes, count);
 }
 
 void IntegerSerializer::Write(Yr::OChannelX& channel, unsigned int value) {
@@ -42,9 +55,7 @@ void IntegerSerializer::Write(Yr::OChannelX& channel, unsigned int value) {
 void IntegerSerializer::Read(Yr::IChannelX& channel, unsigned long long& value) {
     unsigned long long result = 0;
     for (int index = 0;; ++index) {
-        char read = 0;
-        channel.Read(read);
-        const auto byte = static_cast<unsigned char>(read);
+        const auto byte = static_cast<unsigned char>(ReadByte(channel.GetBinaryChannel()));
         if (index > kLastByteIndex) ThrowTooLarge(kTooManyBytesLine);
         // The tenth byte holds bit 63 alone.
         if (index == kLastByteIndex && byte > 1) ThrowTooLarge(kTenthByteLine);

@@ -7,9 +7,12 @@ namespace Morvelan::Common::IO {
 
 // Unsigned integers in 1 to 10 bytes (unsigned LEB128): seven value bits a
 // byte, least significant first, the high bit set while more bytes follow.
-// Counts and lengths, usually small, take one byte. Bytes go through the
-// extended channel's single-byte read and write; its errors pass through.
-// Reading accepts non-minimal forms and checks only the value's range.
+// Counts and lengths, usually small, take one byte. The bytes are the wire
+// form whatever the extended channel's protocol: they go straight to its
+// binary channel, whose errors pass through, and a stream that ends inside a
+// number throws Yr::EndOfInputException. Reading takes one byte at a time,
+// never more than the number's own, accepts non-minimal forms and checks
+// only the value's range.
 class IntegerSerializer {
 public:
     static void Write(Yr::OChannelX& channel, unsigned long long value);

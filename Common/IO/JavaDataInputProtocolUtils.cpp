@@ -49,7 +49,7 @@ Yr::YrErrCode ReadUTFOrStatus(Yr::IChannel& channel, Yr::UniString& result) {
     BodyBuffer buffer(count);
     const Yr::YrErrCode status = JavaDataReading::ReadExactly(channel, buffer.Get(), count);
     buffer.Get()[count] = '\0';
-    if (status == 0) result = Yr::UniString(buffer.Get(), count, Yr::CharacterCode::Utf8);
+    if (status == 0) result.AssignUtf8(buffer.Get(), count);
     return status;
 }
 
@@ -92,7 +92,7 @@ void ReadUTF(Yr::IBinaryChannel& channel, Yr::UniString& result) {
     BodyBuffer buffer(count);
     JavaDataReading::ReadExactly(channel, buffer.Get(), count, kSourceUnit, kEndOfInputLine);
     buffer.Get()[count] = '\0';
-    result = Yr::UniString(buffer.Get(), count, Yr::CharacterCode::Utf8);
+    result.AssignUtf8(buffer.Get(), count);
 }
 
 void ReadUTF(Yr::IChannelX& channel, Yr::UniString& result) {

@@ -31,3 +31,26 @@ TEST(MemoryChannelTest, InputCopiesItsSourceWhenAskedOutputGrowsAndHandsOverItsB
 }
 
 }  // namespace
+
+// Small transfers take fixed-size moves by size class; every size up to and
+// past the largest class must come through whole and in order.
+TEST(MemoryChannelTest, EverySmallTransferSizeKeepsEveryByte) {
+    std::string data;
+    for (int i = 0; i < 600; ++i) data += static_cast<char>(i * 7 + 1);
+    Yr::MemoryOBinaryChannel output;
+    std::size_t written = 0;
+    for (Yr::UInt32 size = 0; written + size <= data.size(); ++size) {
+        output.Write(data.data() + written, size);
+        written += size;
+    }
+    ASSERT_EQ(std::string(output.GetBuffer(), output.GetSize()), data.substr(0, written));
+
+    Yr::MemoryIBinaryChannel input(data.data(), static_cast<Yr::UInt32>(data.size()));
+    std::string read;
+    char buffer[40];
+    for (Yr::UInt32 size = 1; input.GetAvailable() > 0; size = size % 40 + 1) {
+        const Yr::UInt32 count = input.Read(buffer, size, Yr::kReadSome);
+        read.append(buffer, count);
+    }
+    EXPECT_EQ(read, data);
+}
