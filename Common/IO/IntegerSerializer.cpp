@@ -10,7 +10,6 @@ namespace {
 constexpr const char* kSourceUnit = "Common/IO/IntegerSerializer";
 constexpr const char* kTooLarge = "Invalid input: represented number is too large.";
 // The lines peers and logs have always seen for each range fault.
-constexpr Yr::UInt32 kTooManyBytesLine = 41;
 constexpr Yr::UInt32 kTenthByteLine = 45;
 constexpr Yr::UInt32 kBeyond32BitsLine = 65;
 
@@ -56,8 +55,7 @@ void IntegerSerializer::Read(Yr::IChannelX& channel, unsigned long long& value) 
     unsigned long long result = 0;
     for (int index = 0;; ++index) {
         const auto byte = static_cast<unsigned char>(ReadByte(channel.GetBinaryChannel()));
-        if (index > kLastByteIndex) ThrowTooLarge(kTooManyBytesLine);
-        // The tenth byte holds bit 63 alone.
+        // The tenth byte holds bit 63 alone and cannot ask for an eleventh.
         if (index == kLastByteIndex && byte > 1) ThrowTooLarge(kTenthByteLine);
         result |= static_cast<unsigned long long>(byte & kValueBits) << (7 * index);
         if ((byte & kMoreBytes) == 0) break;
