@@ -2,19 +2,13 @@
 // against our Java data protocols, both ways. A JDK on PATH is required: without
 // one these tests fail rather than skip, so CI cannot lose them silently.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <bit>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <initializer_list>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -31,12 +25,18 @@
 #include "Yr/MemoryOBinaryChannel.h"
 #include "Yr/UniString.h"
 #include "tests/support/HexBytes.h"
+#include "tests/support/PeerProcess.h"
 #include "tests/support/ScopedTempFolder.h"
 
 namespace {
 
 using namespace Morvelan::Common::IO;
+using Morvelan::Testing::FindOnPath;
 using Morvelan::Testing::Hex;
+using Morvelan::Testing::Outcome;
+using Morvelan::Testing::Quoted;
+using Morvelan::Testing::ReadFile;
+using Morvelan::Testing::RunCommand;
 using Morvelan::Testing::ScopedTempFolder;
 
 using Value = std::variant<char, bool, short, unsigned short, int, Yr::Int64, float, double,
@@ -100,49 +100,9 @@ void ExpectSequence(ReadOne readOne) {
     }
 }
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 void WriteFile(const std::string& path, const Yr::MemoryOBinaryChannel& channel) {
     std::ofstream(path, std::ios::binary)
         .write(channel.GetBuffer(), static_cast<std::streamsize>(channel.GetSize()));
-}
-
-std::string Quoted(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-std::string FindOnPath(const char* name) {
-    const char* path = std::getenv("PATH");
-    std::string_view rest = path ? path : "";
-    for (;;) {
-        const std::size_t colon = rest.find(':');
-        std::string folder(rest.substr(0, colon));
-        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
-        if (::access(candidate.c_str(), X_OK) == 0) return candidate;
-        if (colon == std::string_view::npos) return {};
-        rest.remove_prefix(colon + 1);
-    }
-}
-
-struct Outcome {
-    int status;
-    std::string out;  // standard output only; the peer's exceptions go to the test's log
-};
-
-Outcome RunCommand(const std::string& command) {
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr) return {-1, "cannot run: " + command};
-    std::string out;
-    char buffer[512];
-    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe))
-        out.append(buffer, count);
-    const int raw = ::pclose(pipe);
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, out};
 }
 
 class JavaPeerTest : public ::testing::Test {
