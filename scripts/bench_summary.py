@@ -46,14 +46,23 @@ def main():
         field, scale = UNITS[comparison["unit"]]
         ours = medians[comparison["ours"]][field] / scale
         peer = medians[comparison["peer"]][field] / scale
-        summary.append(dict(comparison, ours_value=round(ours, 4), peer_value=round(peer, 4),
-                            ratio=round(ours / peer, 3)))
+        row = dict(comparison, ours_value=round(ours, 4), peer_value=round(peer, 4),
+                   ratio=round(ours / peer, 3))
+        # Compressors also report how well they compress, each side its own.
+        for side in ("ours", "peer"):
+            extra = medians[comparison[side]].get("compression_ratio")
+            if extra is not None:
+                row[f"{side}_compression_ratio"] = round(extra, 3)
+        summary.append(row)
     with open(os.path.join(output_folder, "summary.json"), "w") as handle:
         json.dump(summary, handle, indent=2)
 
     print(f"{'id':28} {'unit':8} {'ours':>10} {'peer':>10} {'ratio':>7} {'goal':>6}")
     for row in summary:
         mark = "" if row["ratio"] >= row["goal"] else "  below goal"
+        if "ours_compression_ratio" in row:
+            mark += (f"  compression {row['ours_compression_ratio']:.2f}"
+                     f" vs {row['peer_compression_ratio']:.2f}")
         print(f"{row['id']:28} {row['unit']:8} {row['ours_value']:10.3f} {row['peer_value']:10.3f} "
               f"{row['ratio']:7.3f} {row['goal']:6.2f}{mark}")
     print(f"written: {os.path.join(output_folder, 'summary.json')}")
