@@ -21,6 +21,7 @@
 #include "Yr/Object.h"
 #include "tests/support/ExpectYrException.h"
 #include "tests/support/HexBytes.h"
+#include "tests/support/JavaDataValue.h"
 #include "tests/support/OneByteIBinaryChannel.h"
 #include "tests/support/RecordingOBinaryChannel.h"
 
@@ -33,20 +34,10 @@ using Morvelan::Testing::Hex;
 using Morvelan::Testing::OneByteIBinaryChannel;
 using Morvelan::Testing::RecordingOBinaryChannel;
 
-using Value = std::variant<char, bool, short, unsigned short, int, Yr::Int64, float, double,
-                           Yr::Guid, Yr::UniString>;
+using Value = Morvelan::Testing::JavaDataValue;
+using Morvelan::Testing::SameValue;
 
 const Yr::Guid kGuid{0x00112233, 0x4455, 0x6677, {0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}};
-
-// Values compare by their bits, so NaN payloads count.
-bool SameValue(const Value& a, const Value& b) {
-    if (a.index() != b.index()) return false;
-    if (const auto* f = std::get_if<float>(&a))
-        return std::bit_cast<Yr::UInt32>(*f) == std::bit_cast<Yr::UInt32>(std::get<float>(b));
-    if (const auto* d = std::get_if<double>(&a))
-        return std::bit_cast<Yr::UInt64>(*d) == std::bit_cast<Yr::UInt64>(std::get<double>(b));
-    return a == b;
-}
 
 std::string WriteX(const Value& value) {
     RecordingOBinaryChannel sink;

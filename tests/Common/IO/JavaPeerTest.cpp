@@ -25,6 +25,7 @@
 #include "Yr/MemoryOBinaryChannel.h"
 #include "Yr/UniString.h"
 #include "tests/support/HexBytes.h"
+#include "tests/support/JavaDataValue.h"
 #include "tests/support/PeerProcess.h"
 #include "tests/support/ScopedTempFolder.h"
 
@@ -39,8 +40,8 @@ using Morvelan::Testing::ReadFile;
 using Morvelan::Testing::RunCommand;
 using Morvelan::Testing::ScopedTempFolder;
 
-using Value = std::variant<char, bool, short, unsigned short, int, Yr::Int64, float, double,
-                           Yr::Guid, Yr::UniString>;
+using Value = Morvelan::Testing::JavaDataValue;
+using Morvelan::Testing::SameValue;
 
 template <class T>
 using Limits = std::numeric_limits<T>;
@@ -72,15 +73,6 @@ std::vector<Value> Sequence() {
     add({Yr::UniString(u"Gr\u00FC\u00DFe \u0394\u03B5\u03BB\u03C4\u03B1 \u20AC")});
     add({Yr::UniString(u"\u0080\u07FF\u0800\uD7FF\uE000\uFFFF")});  // edges of 2- and 3-byte forms
     return values;
-}
-
-// Floats and doubles compare by their bits, so NaN and -0.0 count.
-bool SameValue(const Value& a, const Value& b) {
-    if (const auto* f = std::get_if<float>(&a))
-        return std::bit_cast<Yr::UInt32>(*f) == std::bit_cast<Yr::UInt32>(std::get<float>(b));
-    if (const auto* d = std::get_if<double>(&a))
-        return std::bit_cast<Yr::UInt64>(*d) == std::bit_cast<Yr::UInt64>(std::get<double>(b));
-    return a == b;
 }
 
 // Reads the sequence's values in order, each with `readOne` into a variable
