@@ -16,6 +16,16 @@ class FileSystem {
 public:
     enum class OpenMode { Read, WriteTruncate, WriteNew, ReadWrite };
 
+    // What a location names. A symbolic link reports the type and size of
+    // its target; a dangling one exists but is neither file nor folder.
+    struct EntryInfo {
+        bool exists = false;
+        bool isFolder = false;
+        bool isFile = false;
+        bool isSymbolicLink = false;
+        Yr::UInt64 size = 0;
+    };
+
     virtual ~FileSystem() = default;
 
     virtual Status Open(const std::string& path, OpenMode mode, int& descriptor) = 0;
@@ -24,6 +34,14 @@ public:
     // Writes all `size` bytes or fails.
     virtual Status Write(int descriptor, const void* buffer, std::size_t size) = 0;
     virtual Status Close(int descriptor) = 0;
+
+    // A missing entry is an answer, not a failure: `exists` comes back false.
+    virtual Status GetEntryInfo(const std::string& path, EntryInfo& info) = 0;
+    // The absolute path of the running program's own file.
+    virtual Status GetProgramPath(std::string& path) = 0;
+    virtual Status GetWorkingFolder(std::string& path) = 0;
+    // The absolute path with every link, "." and ".." resolved; the entry must exist.
+    virtual Status ResolvePath(const std::string& path, std::string& resolved) = 0;
 
     // Anonymous read-write pages; null when the system has none to give.
     virtual void* MapMemory(std::size_t size) = 0;

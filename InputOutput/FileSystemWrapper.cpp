@@ -18,6 +18,22 @@ Status FileSystemWrapper::Close(int descriptor) {
     return m_target.Close(descriptor);
 }
 
+Status FileSystemWrapper::GetEntryInfo(const std::string& path, EntryInfo& info) {
+    return m_target.GetEntryInfo(path, info);
+}
+
+Status FileSystemWrapper::GetProgramPath(std::string& path) {
+    return m_target.GetProgramPath(path);
+}
+
+Status FileSystemWrapper::GetWorkingFolder(std::string& path) {
+    return m_target.GetWorkingFolder(path);
+}
+
+Status FileSystemWrapper::ResolvePath(const std::string& path, std::string& resolved) {
+    return m_target.ResolvePath(path, resolved);
+}
+
 void* FileSystemWrapper::MapMemory(std::size_t size) {
     return m_target.MapMemory(size);
 }

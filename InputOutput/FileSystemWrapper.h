@@ -18,6 +18,11 @@ public:
     Status Write(int descriptor, const void* buffer, std::size_t size) override;
     Status Close(int descriptor) override;
 
+    Status GetEntryInfo(const std::string& path, EntryInfo& info) override;
+    Status GetProgramPath(std::string& path) override;
+    Status GetWorkingFolder(std::string& path) override;
+    Status ResolvePath(const std::string& path, std::string& resolved) override;
+
     void* MapMemory(std::size_t size) override;
     void UnmapMemory(void* address, std::size_t size) override;
 

@@ -25,6 +25,9 @@ inline constexpr Status kFileSystemNotFile = 0x81010305;
 inline constexpr Status kFileSystemNotFolder = 0x81010306;
 inline constexpr Status kFileSystemAccessDenied = 0x81010307;
 inline constexpr Status kFileSystemDiskFull = 0x81010308;
+// A text or a change the location types cannot carry: a path of the wrong
+// kind, a name with a separator in it, a name that is not there.
+inline constexpr Status kInvalidLocation = 0x81010310;
 // Any other operating-system failure: the errno rides in the low 16 bits.
 inline constexpr Status kSystemErrorBase = 0x81020000;
 

@@ -1,11 +1,15 @@
 #include "InputOutput/Posix/PosixFileSystem.h"
 
 #include <fcntl.h>
+#include <limits.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <ctime>
+#include <memory>
 
 namespace IO {
 namespace {
@@ -52,6 +56,18 @@ int OpenFlags(FileSystem::OpenMode mode) {
     return O_RDONLY;
 }
 
+void FillEntryInfo(const struct stat& status, FileSystem::EntryInfo& info) {
+    info.exists = true;
+    info.isFolder = S_ISDIR(status.st_mode);
+    info.isFile = S_ISREG(status.st_mode);
+    info.size = static_cast<Yr::UInt64>(status.st_size);
+}
+
+// A missing entry, or a file where a folder was expected on the way to it.
+bool IsAbsence(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
+
 }  // namespace
 
 Status PosixFileSystem::Open(const std::string& path, OpenMode mode, int& descriptor) {
@@ -96,6 +112,54 @@ Status PosixFileSystem::Close(int descriptor) {
     // Not retried on EINTR: Linux has released the descriptor already, and a
     // second close could hit one another thread has just opened.
     if (::close(descriptor) < 0 && errno != EINTR) return StatusFromErrno(errno);
+    return kSuccess;
+}
+
+Status PosixFileSystem::GetEntryInfo(const std::string& path, EntryInfo& info) {
+    info = EntryInfo{};
+    struct stat status;
+    if (::lstat(path.c_str(), &status) < 0)
+        return IsAbsence(errno) ? kSuccess : StatusFromErrno(errno);
+    FillEntryInfo(status, info);
+    if (!S_ISLNK(status.st_mode)) return kSuccess;
+    info.isSymbolicLink = true;
+    info.size = 0;
+    if (::stat(path.c_str(), &status) == 0) {
+        FillEntryInfo(status, info);
+        return kSuccess;
+    }
+    return IsAbsence(errno) ? kSuccess : StatusFromErrno(errno);
+}
+
+Status PosixFileSystem::GetProgramPath(std::string& path) {
+    // readlink does not say how long the target is; grow until it fits.
+    std::string buffer(PATH_MAX, '\0');
+    for (;;) {
+        const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+        if (length < 0) return StatusFromErrno(errno);
+        if (static_cast<std::size_t>(length) < buffer.size()) {
+            path.assign(buffer.data(), static_cast<std::size_t>(length));
+            return kSuccess;
+        }
+        buffer.resize(buffer.size() * 2);
+    }
+}
+
+Status PosixFileSystem::GetWorkingFolder(std::string& path) {
+    std::string buffer(PATH_MAX, '\0');
+    while (::getcwd(buffer.data(), buffer.size()) == nullptr) {
+        if (errno != ERANGE) return StatusFromErrno(errno);
+        buffer.resize(buffer.size() * 2);
+    }
+    path.assign(buffer.c_str());
+    return kSuccess;
+}
+
+Status PosixFileSystem::ResolvePath(const std::string& path, std::string& resolved) {
+    const std::unique_ptr<char, decltype(&std::free)> result(::realpath(path.c_str(), nullptr),
+                                                             &std::free);
+    if (!result) return StatusFromErrno(errno);
+    resolved.assign(result.get());
     return kSuccess;
 }
 
