@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "InputOutput/Status.h"
 #include "Yr/Types.h"
@@ -24,7 +25,34 @@ public:
         bool isFile = false;
         bool isSymbolicLink = false;
         Yr::UInt64 size = 0;
+        // Seconds since 1970. Linux keeps no birth time in stat; the last
+        // status change stands in for the creation time.
+        Yr::Int64 modificationTime = 0;
+        Yr::Int64 creationTime = 0;
     };
+
+    // Whole-entry changes report the file-system statuses (kFileSystem...);
+    // Exchange and the folder queries report the folder statuses (kFolder...).
+    virtual Status CreateFolder(const std::string& path) = 0;
+    virtual Status RemoveFile(const std::string& path) = 0;
+    // Only an empty folder can go.
+    virtual Status RemoveFolder(const std::string& path) = 0;
+    // Replaces an existing target file.
+    virtual Status Rename(const std::string& source, const std::string& target) = 0;
+    // Swaps two entries in one atomic step; both must exist.
+    virtual Status Exchange(const std::string& first, const std::string& second) = 0;
+    // Copies a file's bytes, replacing an existing target file.
+    virtual Status CopyFile(const std::string& source, const std::string& target) = 0;
+    // Forces the file's data and metadata to stable storage.
+    virtual Status FlushFile(const std::string& path) = 0;
+    // Forces a folder's entries (creations, renames, deletions) to stable storage.
+    virtual Status FlushFolder(const std::string& path) = 0;
+    // Drops the file's pages from the system cache.
+    virtual Status EvictFromCache(const std::string& path) = 0;
+    // The names of the folder's direct entries, without "." and "..".
+    virtual Status ListFolder(const std::string& path, std::vector<std::string>& names) = 0;
+    // Bytes still free for unprivileged users, and bytes in use, on the folder's device.
+    virtual Status GetSpace(const std::string& path, Yr::UInt64& free, Yr::UInt64& used) = 0;
 
     virtual ~FileSystem() = default;
 

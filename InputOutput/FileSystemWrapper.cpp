@@ -34,6 +34,50 @@ Status FileSystemWrapper::ResolvePath(const std::string& path, std::string& reso
     return m_target.ResolvePath(path, resolved);
 }
 
+Status FileSystemWrapper::CreateFolder(const std::string& path) {
+    return m_target.CreateFolder(path);
+}
+
+Status FileSystemWrapper::RemoveFile(const std::string& path) {
+    return m_target.RemoveFile(path);
+}
+
+Status FileSystemWrapper::RemoveFolder(const std::string& path) {
+    return m_target.RemoveFolder(path);
+}
+
+Status FileSystemWrapper::Rename(const std::string& source, const std::string& target) {
+    return m_target.Rename(source, target);
+}
+
+Status FileSystemWrapper::Exchange(const std::string& first, const std::string& second) {
+    return m_target.Exchange(first, second);
+}
+
+Status FileSystemWrapper::CopyFile(const std::string& source, const std::string& target) {
+    return m_target.CopyFile(source, target);
+}
+
+Status FileSystemWrapper::FlushFile(const std::string& path) {
+    return m_target.FlushFile(path);
+}
+
+Status FileSystemWrapper::FlushFolder(const std::string& path) {
+    return m_target.FlushFolder(path);
+}
+
+Status FileSystemWrapper::EvictFromCache(const std::string& path) {
+    return m_target.EvictFromCache(path);
+}
+
+Status FileSystemWrapper::ListFolder(const std::string& path, std::vector<std::string>& names) {
+    return m_target.ListFolder(path, names);
+}
+
+Status FileSystemWrapper::GetSpace(const std::string& path, Yr::UInt64& free, Yr::UInt64& used) {
+    return m_target.GetSpace(path, free, used);
+}
+
 void* FileSystemWrapper::MapMemory(std::size_t size) {
     return m_target.MapMemory(size);
 }

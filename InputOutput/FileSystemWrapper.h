@@ -23,6 +23,18 @@ public:
     Status GetWorkingFolder(std::string& path) override;
     Status ResolvePath(const std::string& path, std::string& resolved) override;
 
+    Status CreateFolder(const std::string& path) override;
+    Status RemoveFile(const std::string& path) override;
+    Status RemoveFolder(const std::string& path) override;
+    Status Rename(const std::string& source, const std::string& target) override;
+    Status Exchange(const std::string& first, const std::string& second) override;
+    Status CopyFile(const std::string& source, const std::string& target) override;
+    Status FlushFile(const std::string& path) override;
+    Status FlushFolder(const std::string& path) override;
+    Status EvictFromCache(const std::string& path) override;
+    Status ListFolder(const std::string& path, std::vector<std::string>& names) override;
+    Status GetSpace(const std::string& path, Yr::UInt64& free, Yr::UInt64& used) override;
+
     void* MapMemory(std::size_t size) override;
     void UnmapMemory(void* address, std::size_t size) override;
 

@@ -2,12 +2,7 @@
 
 #include <cstddef>
 
-#include "Common/IO/AccessDeniedException.h"
-#include "Common/IO/DiskFullException.h"
-#include "Common/IO/FileNotFoundException.h"
-#include "Common/IO/FolderNotFoundException.h"
-#include "Common/IO/NotFileException.h"
-#include "Common/IO/NotFolderException.h"
+#include "Common/IO/IOUtilities.h"
 #include "InputOutput/Folder.h"
 #include "InputOutput/Name.h"
 #include "InputOutput/SpecialLocations.h"
@@ -37,40 +32,6 @@ constexpr char32_t kLegalReplacement = U'_';
 // Messages print statuses signed, as the callers' logs always have.
 int ErrorCodeOf(Status status) {
     return static_cast<int>(status);
-}
-
-template <class Exception>
-[[noreturn]] void ThrowWithDetail(const UniString& message, const char* detail, Yr::UInt32 line) {
-    throw Exception(message + " " + detail, kSourceUnit, line, Yr::kIOErrorCode);
-}
-
-// Chooses the exception class by what the status means, whichever family of
-// calls reported it, so callers can react to access denied or a missing folder.
-[[noreturn]] void ThrowFileSystemFailure(const UniString& message, Status status, Yr::UInt32 line) {
-    switch (status) {
-        case ::IO::kDiskFull:
-        case ::IO::kFolderDiskFull:
-        case ::IO::kFileSystemDiskFull:
-            ThrowWithDetail<DiskFullException>(message, "Disk is full.", line);
-        case ::IO::kFileNotFound:
-        case ::IO::kFileSystemFileNotFound:
-            ThrowWithDetail<FileNotFoundException>(message, "File is not found.", line);
-        case ::IO::kNotFile:
-        case ::IO::kFileSystemNotFile:
-            ThrowWithDetail<NotFileException>(message, "Not a file.", line);
-        case ::IO::kFileAccessDenied:
-        case ::IO::kFolderAccessDenied:
-        case ::IO::kFileSystemAccessDenied:
-            ThrowWithDetail<AccessDeniedException>(message, "Access is denied.", line);
-        case ::IO::kFolderNotFound:
-        case ::IO::kFileSystemFolderNotFound:
-            ThrowWithDetail<FolderNotFoundException>(message, "Folder is not found.", line);
-        case ::IO::kNotFolder:
-        case ::IO::kFileSystemNotFolder:
-            ThrowWithDetail<NotFolderException>(message, "Not a folder.", line);
-        default:
-            ThrowIO(UniString::Printf("%T (Error code: %d)", message, ErrorCodeOf(status)), line);
-    }
 }
 
 void CheckPathNotEmpty(const UniString& path, Yr::UInt32 line) {
@@ -139,11 +100,15 @@ Location NormalizeNames(const Location& location) {
 }
 
 using SpecialLocationGetter = Status (*)(Location&);
+using StatusThrower = void (*)(const UniString&, Status, const char*, Yr::UInt32);
 
-Location GetSpecialLocation(SpecialLocationGetter get, const char* failure, Yr::UInt32 line) {
+// The program and working folder come from the system as files do; the
+// temporary folder is looked up as a folder, and reported as one.
+Location GetSpecialLocation(SpecialLocationGetter get, StatusThrower throwError,
+                            const char* failure, Yr::UInt32 line) {
     Location location;
     const Status status = get(location);
-    if (status != ::IO::kSuccess) ThrowFileSystemFailure(failure, status, line);
+    if (status != ::IO::kSuccess) throwError(failure, status, kSourceUnit, line);
     return location;
 }
 
@@ -430,22 +395,22 @@ bool IsLegalNameChar(char32_t character) {
 
 // Both application messages name the folder: callers already match that text.
 Location GetApplicationFileLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetProgramFile,
+    return GetSpecialLocation(&::IO::SpecialLocations::GetProgramFile, &ThrowFileError,
                               "Failed to get application folder location.", __LINE__);
 }
 
 Location GetApplicationFolderLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetProgramFolder,
+    return GetSpecialLocation(&::IO::SpecialLocations::GetProgramFolder, &ThrowFileError,
                               "Failed to get application folder location.", __LINE__);
 }
 
 Location GetCurrentWorkingFolderLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetWorkingFolder,
+    return GetSpecialLocation(&::IO::SpecialLocations::GetWorkingFolder, &ThrowFileError,
                               "Failed to get current working folder location.", __LINE__);
 }
 
 Location GetTempFolderLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetTempFolder,
+    return GetSpecialLocation(&::IO::SpecialLocations::GetTempFolder, &ThrowFolderError,
                               "Failed to get temp folder location.", __LINE__);
 }
 
@@ -457,10 +422,10 @@ Location CreateTemporaryFileLocation(const Location& folder, const UniString& pr
     Status status = ::IO::Folder::Open(folder, opened);
     if (status == ::IO::kSuccess) status = opened.GenerateUnusedName(prefix, suffix, name);
     if (status != ::IO::kSuccess)
-        ThrowFileSystemFailure(
+        ThrowFolderError(
             UniString::Printf("Failed to create temporary file location in folder: '%T'.",
                               folder.GetDisplayText()),
-            status, __LINE__);
+            status, kSourceUnit, __LINE__);
     return Concatenate(folder, name.GetText());
 }
 
@@ -468,8 +433,8 @@ Location CreateTemporaryFileLocation(const UniString& prefix, const UniString& s
     Location folder;
     const Status status = ::IO::SpecialLocations::GetTempFolder(folder);
     if (status != ::IO::kSuccess)
-        ThrowFileSystemFailure("Failed to create temporary file location in temporary folder.",
-                               status, __LINE__);
+        ThrowFolderError("Failed to create temporary file location in temporary folder.", status,
+                         kSourceUnit, __LINE__);
     return CreateTemporaryFileLocation(folder, prefix, suffix);
 }
 

@@ -1,15 +1,19 @@
 #include "InputOutput/Posix/PosixFileSystem.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <stdio.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <vector>
 
 namespace IO {
 namespace {
@@ -42,6 +46,39 @@ Status StatusFromErrno(int error) {
     }
 }
 
+// The same failures in the words of whole-entry operations, which cannot
+// always tell whether the missing piece was a file or a folder on the way.
+Status EntryStatusFromErrno(int error) {
+    switch (const Status status = StatusFromErrno(error)) {
+        case kFileNotFound:
+            return kFileSystemFileNotFound;
+        case kNotFolder:
+            return kFileSystemNotFolder;
+        case kNotFile:
+            return kFileSystemNotFile;
+        case kFileAccessDenied:
+            return kFileSystemAccessDenied;
+        case kDiskFull:
+            return kFileSystemDiskFull;
+        default:
+            return status;
+    }
+}
+
+// And in the words of operations on an opened folder.
+Status FolderStatusFromErrno(int error) {
+    switch (const Status status = StatusFromErrno(error)) {
+        case kFileNotFound:
+            return kFolderNotFound;
+        case kFileAccessDenied:
+            return kFolderAccessDenied;
+        case kDiskFull:
+            return kFolderDiskFull;
+        default:
+            return status;
+    }
+}
+
 int OpenFlags(FileSystem::OpenMode mode) {
     switch (mode) {
         case FileSystem::OpenMode::Read:
@@ -61,6 +98,70 @@ void FillEntryInfo(const struct stat& status, FileSystem::EntryInfo& info) {
     info.isFolder = S_ISDIR(status.st_mode);
     info.isFile = S_ISREG(status.st_mode);
     info.size = static_cast<Yr::UInt64>(status.st_size);
+    info.modificationTime = static_cast<Yr::Int64>(status.st_mtime);
+    info.creationTime = static_cast<Yr::Int64>(status.st_ctime);
+}
+
+int OpenRetrying(const char* path, int flags, mode_t permissions = 0) {
+    int result;
+    do {
+        result = ::open(path, flags | O_CLOEXEC, permissions);
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
+// Closes on every path out; a failed close after a successful call is not
+// worth failing the call for.
+class DescriptorGuard {
+public:
+    explicit DescriptorGuard(int descriptor) : m_descriptor(descriptor) {}
+    ~DescriptorGuard() { ::close(m_descriptor); }
+    DescriptorGuard(const DescriptorGuard&) = delete;
+    DescriptorGuard& operator=(const DescriptorGuard&) = delete;
+
+private:
+    int m_descriptor;
+};
+
+struct FolderCloser {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+Status FsyncRetrying(int descriptor) {
+    int result;
+    do {
+        result = ::fsync(descriptor);
+    } while (result < 0 && errno == EINTR);
+    return result < 0 ? EntryStatusFromErrno(errno) : kSuccess;
+}
+
+// The kernel copies without the bytes passing through us; file systems or
+// kernels that cannot do that make us copy through a buffer.
+bool CopyInKernel(int source, int target, int& error) {
+    for (;;) {
+        const ssize_t copied =
+            ::copy_file_range(source, nullptr, target, nullptr, std::size_t{1} << 30, 0);
+        if (copied == 0) return true;
+        if (copied > 0) continue;
+        if (errno == EINTR) continue;
+        error = errno;
+        return false;
+    }
+}
+
+bool CanCopyThroughBuffer(int error) {
+    return error == ENOSYS || error == EXDEV || error == EINVAL || error == EOPNOTSUPP;
+}
+
+Status CopyThroughBuffer(PosixFileSystem& fileSystem, int source, int target) {
+    std::vector<unsigned char> buffer(std::size_t{1} << 16);
+    for (;;) {
+        std::size_t count = 0;
+        Status status = fileSystem.Read(source, buffer.data(), buffer.size(), count);
+        if (status == kSuccess && count > 0)
+            status = fileSystem.Write(target, buffer.data(), count);
+        if (status != kSuccess || count == 0) return status;
+    }
 }
 
 // A missing entry, or a file where a folder was expected on the way to it.
@@ -160,6 +261,96 @@ Status PosixFileSystem::ResolvePath(const std::string& path, std::string& resolv
                                                              &std::free);
     if (!result) return StatusFromErrno(errno);
     resolved.assign(result.get());
+    return kSuccess;
+}
+
+Status PosixFileSystem::CreateFolder(const std::string& path) {
+    // Folders get every permission the umask leaves, as files do.
+    if (::mkdir(path.c_str(), 0777) < 0) return EntryStatusFromErrno(errno);
+    return kSuccess;
+}
+
+Status PosixFileSystem::RemoveFile(const std::string& path) {
+    if (::unlink(path.c_str()) < 0) return EntryStatusFromErrno(errno);
+    return kSuccess;
+}
+
+Status PosixFileSystem::RemoveFolder(const std::string& path) {
+    if (::rmdir(path.c_str()) < 0) return EntryStatusFromErrno(errno);
+    return kSuccess;
+}
+
+Status PosixFileSystem::Rename(const std::string& source, const std::string& target) {
+    if (::rename(source.c_str(), target.c_str()) < 0) return EntryStatusFromErrno(errno);
+    return kSuccess;
+}
+
+Status PosixFileSystem::Exchange(const std::string& first, const std::string& second) {
+    if (::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE) < 0)
+        return FolderStatusFromErrno(errno);
+    return kSuccess;
+}
+
+Status PosixFileSystem::CopyFile(const std::string& source, const std::string& target) {
+    const int input = OpenRetrying(source.c_str(), O_RDONLY);
+    if (input < 0) return EntryStatusFromErrno(errno);
+    const DescriptorGuard inputGuard(input);
+    struct stat status;
+    if (::fstat(input, &status) < 0) return EntryStatusFromErrno(errno);
+    if (S_ISDIR(status.st_mode)) return kFileSystemNotFile;
+    const int output =
+        OpenRetrying(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC, kCreationPermissions);
+    if (output < 0) return EntryStatusFromErrno(errno);
+    const DescriptorGuard outputGuard(output);
+    int error = 0;
+    if (CopyInKernel(input, output, error)) return kSuccess;
+    if (!CanCopyThroughBuffer(error)) return EntryStatusFromErrno(error);
+    const Status copied = CopyThroughBuffer(*this, input, output);
+    return copied == kDiskFull ? kFileSystemDiskFull : copied;
+}
+
+Status PosixFileSystem::FlushFile(const std::string& path) {
+    const int descriptor = OpenRetrying(path.c_str(), O_WRONLY);
+    if (descriptor < 0) return EntryStatusFromErrno(errno);
+    const DescriptorGuard guard(descriptor);
+    return FsyncRetrying(descriptor);
+}
+
+Status PosixFileSystem::FlushFolder(const std::string& path) {
+    const int descriptor = OpenRetrying(path.c_str(), O_RDONLY | O_DIRECTORY);
+    if (descriptor < 0) return EntryStatusFromErrno(errno);
+    const DescriptorGuard guard(descriptor);
+    return FsyncRetrying(descriptor);
+}
+
+Status PosixFileSystem::EvictFromCache(const std::string& path) {
+    const int descriptor = OpenRetrying(path.c_str(), O_RDONLY);
+    if (descriptor < 0) return EntryStatusFromErrno(errno);
+    const DescriptorGuard guard(descriptor);
+    // Dirty pages are not dropped; writing them first lets all of them go.
+    if (::fdatasync(descriptor) < 0 && errno != EINVAL) return EntryStatusFromErrno(errno);
+    const int error = ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_DONTNEED);
+    return error == 0 ? kSuccess : EntryStatusFromErrno(error);
+}
+
+Status PosixFileSystem::ListFolder(const std::string& path, std::vector<std::string>& names) {
+    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
+    if (!folder) return FolderStatusFromErrno(errno);
+    names.clear();
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(folder.get());
+        if (entry == nullptr) return errno == 0 ? kSuccess : FolderStatusFromErrno(errno);
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(name);
+    }
+}
+
+Status PosixFileSystem::GetSpace(const std::string& path, Yr::UInt64& free, Yr::UInt64& used) {
+    struct statvfs space;
+    if (::statvfs(path.c_str(), &space) < 0) return FolderStatusFromErrno(errno);
+    free = static_cast<Yr::UInt64>(space.f_bavail) * space.f_frsize;
+    used = static_cast<Yr::UInt64>(space.f_blocks - space.f_bfree) * space.f_frsize;
     return kSuccess;
 }
 

@@ -5,7 +5,9 @@
 namespace IO {
 
 // The library's only door to the operating system: open, read, write, close,
-// lstat, stat, readlink, getcwd, realpath, mmap, munmap and nanosleep live
+// lstat, stat, readlink, getcwd, realpath, mkdir, unlink, rmdir, rename,
+// renameat2, copy_file_range, fsync, posix_fadvise, readdir, statvfs, mmap,
+// munmap and nanosleep live
 // here and nowhere else. Interrupted calls are retried; errno is turned into
 // a Status in one place. Stateless, so one instance may serve every thread.
 class PosixFileSystem final : public FileSystem {
@@ -19,6 +21,18 @@ public:
     Status GetProgramPath(std::string& path) override;
     Status GetWorkingFolder(std::string& path) override;
     Status ResolvePath(const std::string& path, std::string& resolved) override;
+
+    Status CreateFolder(const std::string& path) override;
+    Status RemoveFile(const std::string& path) override;
+    Status RemoveFolder(const std::string& path) override;
+    Status Rename(const std::string& source, const std::string& target) override;
+    Status Exchange(const std::string& first, const std::string& second) override;
+    Status CopyFile(const std::string& source, const std::string& target) override;
+    Status FlushFile(const std::string& path) override;
+    Status FlushFolder(const std::string& path) override;
+    Status EvictFromCache(const std::string& path) override;
+    Status ListFolder(const std::string& path, std::vector<std::string>& names) override;
+    Status GetSpace(const std::string& path, Yr::UInt64& free, Yr::UInt64& used) override;
 
     void* MapMemory(std::size_t size) override;
     void UnmapMemory(void* address, std::size_t size) override;
