@@ -15,7 +15,10 @@ namespace IO {
 // file systems. Failures come back as statuses, never as errno.
 class FileSystem {
 public:
-    enum class OpenMode { Read, WriteTruncate, WriteNew, ReadWrite };
+    // Write opens an existing file as it is, without creating or truncating it.
+    enum class OpenMode { Read, WriteTruncate, WriteNew, ReadWrite, Write };
+    enum class SeekOrigin { Start, Current, End };
+    enum class LockMode { Shared, Exclusive };
 
     // What a location names. A symbolic link reports the type and size of
     // its target; a dangling one exists but is neither file nor folder.
@@ -62,6 +65,15 @@ public:
     // Writes all `size` bytes or fails.
     virtual Status Write(int descriptor, const void* buffer, std::size_t size) = 0;
     virtual Status Close(int descriptor) = 0;
+    // Moves the file pointer and reports where it now stands.
+    virtual Status Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin,
+                        Yr::UInt64& position) = 0;
+    virtual Status GetSize(int descriptor, Yr::UInt64& size) = 0;
+    // Cuts or zero-extends the file to `size` bytes; the file pointer stays.
+    virtual Status Truncate(int descriptor, Yr::UInt64 size) = 0;
+    // An advisory lock that never waits: one held elsewhere that conflicts
+    // gives kFileAccessDenied. Closing the descriptor releases it.
+    virtual Status Lock(int descriptor, LockMode mode) = 0;
 
     // A missing entry is an answer, not a failure: `exists` comes back false.
     virtual Status GetEntryInfo(const std::string& path, EntryInfo& info) = 0;

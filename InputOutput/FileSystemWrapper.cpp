@@ -18,6 +18,23 @@ Status FileSystemWrapper::Close(int descriptor) {
     return m_target.Close(descriptor);
 }
 
+Status FileSystemWrapper::Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin,
+                               Yr::UInt64& position) {
+    return m_target.Seek(descriptor, offset, origin, position);
+}
+
+Status FileSystemWrapper::GetSize(int descriptor, Yr::UInt64& size) {
+    return m_target.GetSize(descriptor, size);
+}
+
+Status FileSystemWrapper::Truncate(int descriptor, Yr::UInt64 size) {
+    return m_target.Truncate(descriptor, size);
+}
+
+Status FileSystemWrapper::Lock(int descriptor, LockMode mode) {
+    return m_target.Lock(descriptor, mode);
+}
+
 Status FileSystemWrapper::GetEntryInfo(const std::string& path, EntryInfo& info) {
     return m_target.GetEntryInfo(path, info);
 }

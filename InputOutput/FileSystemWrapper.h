@@ -17,6 +17,10 @@ public:
     Status Read(int descriptor, void* buffer, std::size_t size, std::size_t& count) override;
     Status Write(int descriptor, const void* buffer, std::size_t size) override;
     Status Close(int descriptor) override;
+    Status Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin, Yr::UInt64& position) override;
+    Status GetSize(int descriptor, Yr::UInt64& size) override;
+    Status Truncate(int descriptor, Yr::UInt64 size) override;
+    Status Lock(int descriptor, LockMode mode) override;
 
     Status GetEntryInfo(const std::string& path, EntryInfo& info) override;
     Status GetProgramPath(std::string& path) override;

@@ -7,17 +7,35 @@
 #include "Common/IO/BinaryChannelUtilities.h"
 #include "Common/IO/CRC32IBinaryChannel.h"
 #include "Common/IO/CountingIBinaryChannel.h"
+#include "Common/IO/FileIBinaryChannel.h"
+#include "Common/IO/LocationUtils.h"
 #include "Common/IO/NullOBinaryChannel.h"
+#include "InputOutput/SpecialLocations.h"
+#include "Yr/Exceptions.h"
 #include "Yr/YrException.h"
-#include "cli/FileIBinaryChannel.h"
 
 namespace Morvelan::Tool {
 namespace {
 
+using Common::IO::FileIBinaryChannel;
+using Common::IO::FileShare;
+
 constexpr Yr::UInt32 kCopyBufferSize = 1 << 20;
+constexpr const char* kSourceUnit = "cli/Crc32Command";
+
+// Relative paths count from the working folder, as the shell's do.
+IO::Location LocationOfArgument(const std::string& argument) {
+    const Yr::UniString path(argument.c_str());
+    if (Common::IO::IsAbsolutePath(path)) return Common::IO::LocationFromPath(path);
+    IO::Location workingFolder;
+    if (IO::SpecialLocations::GetWorkingFolder(workingFolder) != IO::kSuccess)
+        throw Yr::IOException("Failed to find the working folder.", kSourceUnit, __LINE__,
+                              Yr::kIOErrorCode);
+    return Common::IO::LocationFromRelativePath(workingFolder, path);
+}
 
 // Streams the file through a counter and a checksum into nowhere.
-void PrintChecksum(FileIBinaryChannel& file, const std::string& label) {
+void PrintChecksum(Yr::IBinaryChannel& file, const std::string& label) {
     Common::IO::CountingIBinaryChannel counted(file);
     Common::IO::CRC32IBinaryChannel checksummed(counted);
     Common::IO::NullOBinaryChannel nowhere;
@@ -44,10 +62,13 @@ int Crc32Command::Run() {
     for (const std::string& path : m_files) {
         try {
             if (path == "-") {
-                FileIBinaryChannel input = FileIBinaryChannel::StandardInput();
+                // Reopened through the system so it reads like any file; not
+                // locked, since whoever feeds it keeps writing.
+                FileIBinaryChannel input(IO::Location::Parse("/dev/stdin"), FileShare::ReadWrite);
                 PrintChecksum(input, m_files.size() == 1 ? "" : "-");
             } else {
-                FileIBinaryChannel file(path);
+                // Others may read the file meanwhile, but not change it under us.
+                FileIBinaryChannel file(LocationOfArgument(path), FileShare::Read);
                 PrintChecksum(file, path);
             }
         } catch (const Yr::YrException& failure) {

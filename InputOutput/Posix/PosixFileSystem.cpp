@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <limits.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -89,8 +90,22 @@ int OpenFlags(FileSystem::OpenMode mode) {
             return O_WRONLY | O_CREAT | O_EXCL;
         case FileSystem::OpenMode::ReadWrite:
             return O_RDWR | O_CREAT;
+        case FileSystem::OpenMode::Write:
+            return O_WRONLY;
     }
     return O_RDONLY;
+}
+
+int SeekWhence(FileSystem::SeekOrigin origin) {
+    switch (origin) {
+        case FileSystem::SeekOrigin::Start:
+            return SEEK_SET;
+        case FileSystem::SeekOrigin::Current:
+            return SEEK_CUR;
+        case FileSystem::SeekOrigin::End:
+            return SEEK_END;
+    }
+    return SEEK_SET;
 }
 
 void FillEntryInfo(const struct stat& status, FileSystem::EntryInfo& info) {
@@ -214,6 +229,38 @@ Status PosixFileSystem::Close(int descriptor) {
     // second close could hit one another thread has just opened.
     if (::close(descriptor) < 0 && errno != EINTR) return StatusFromErrno(errno);
     return kSuccess;
+}
+
+Status PosixFileSystem::Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin,
+                             Yr::UInt64& position) {
+    const off_t result = ::lseek(descriptor, static_cast<off_t>(offset), SeekWhence(origin));
+    if (result < 0) return StatusFromErrno(errno);
+    position = static_cast<Yr::UInt64>(result);
+    return kSuccess;
+}
+
+Status PosixFileSystem::GetSize(int descriptor, Yr::UInt64& size) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) < 0) return StatusFromErrno(errno);
+    size = static_cast<Yr::UInt64>(status.st_size);
+    return kSuccess;
+}
+
+Status PosixFileSystem::Truncate(int descriptor, Yr::UInt64 size) {
+    int result;
+    do {
+        result = ::ftruncate(descriptor, static_cast<off_t>(size));
+    } while (result < 0 && errno == EINTR);
+    return result < 0 ? StatusFromErrno(errno) : kSuccess;
+}
+
+Status PosixFileSystem::Lock(int descriptor, LockMode mode) {
+    const int operation = (mode == LockMode::Shared ? LOCK_SH : LOCK_EX) | LOCK_NB;
+    int result;
+    do {
+        result = ::flock(descriptor, operation);
+    } while (result < 0 && errno == EINTR);
+    return result < 0 ? StatusFromErrno(errno) : kSuccess;
 }
 
 Status PosixFileSystem::GetEntryInfo(const std::string& path, EntryInfo& info) {

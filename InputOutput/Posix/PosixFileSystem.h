@@ -5,17 +5,20 @@
 namespace IO {
 
 // The library's only door to the operating system: open, read, write, close,
-// lstat, stat, readlink, getcwd, realpath, mkdir, unlink, rmdir, rename,
-// renameat2, copy_file_range, fsync, posix_fadvise, readdir, statvfs, mmap,
-// munmap and nanosleep live
-// here and nowhere else. Interrupted calls are retried; errno is turned into
-// a Status in one place. Stateless, so one instance may serve every thread.
+// lseek, fstat, ftruncate, flock, lstat, stat, readlink, getcwd, realpath, mkdir, unlink, rmdir,
+// rename, renameat2, copy_file_range, fsync, posix_fadvise, readdir, statvfs, mmap, munmap and
+// nanosleep live here and nowhere else. Interrupted calls are retried; errno is turned into a
+// Status in one place. Stateless, so one instance may serve every thread.
 class PosixFileSystem final : public FileSystem {
 public:
     Status Open(const std::string& path, OpenMode mode, int& descriptor) override;
     Status Read(int descriptor, void* buffer, std::size_t size, std::size_t& count) override;
     Status Write(int descriptor, const void* buffer, std::size_t size) override;
     Status Close(int descriptor) override;
+    Status Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin, Yr::UInt64& position) override;
+    Status GetSize(int descriptor, Yr::UInt64& size) override;
+    Status Truncate(int descriptor, Yr::UInt64 size) override;
+    Status Lock(int descriptor, LockMode mode) override;
 
     Status GetEntryInfo(const std::string& path, EntryInfo& info) override;
     Status GetProgramPath(std::string& path) override;
