@@ -48,6 +48,9 @@ public:
     virtual Status CopyFile(const std::string& source, const std::string& target) = 0;
     // Forces the file's data and metadata to stable storage.
     virtual Status FlushFile(const std::string& path) = 0;
+    // The same for a file already open: it stays right when the file has
+    // been renamed or replaced since it was opened.
+    virtual Status FlushDescriptor(int descriptor) = 0;
     // Forces a folder's entries (creations, renames, deletions) to stable storage.
     virtual Status FlushFolder(const std::string& path) = 0;
     // Drops the file's pages from the system cache.

@@ -79,6 +79,10 @@ Status FileSystemWrapper::FlushFile(const std::string& path) {
     return m_target.FlushFile(path);
 }
 
+Status FileSystemWrapper::FlushDescriptor(int descriptor) {
+    return m_target.FlushDescriptor(descriptor);
+}
+
 Status FileSystemWrapper::FlushFolder(const std::string& path) {
     return m_target.FlushFolder(path);
 }

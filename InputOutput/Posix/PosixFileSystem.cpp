@@ -363,6 +363,10 @@ Status PosixFileSystem::FlushFile(const std::string& path) {
     return FsyncRetrying(descriptor);
 }
 
+Status PosixFileSystem::FlushDescriptor(int descriptor) {
+    return FsyncRetrying(descriptor);
+}
+
 Status PosixFileSystem::FlushFolder(const std::string& path) {
     const int descriptor = OpenRetrying(path.c_str(), O_RDONLY | O_DIRECTORY);
     if (descriptor < 0) return EntryStatusFromErrno(errno);

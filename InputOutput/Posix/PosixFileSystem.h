@@ -32,6 +32,7 @@ public:
     Status Exchange(const std::string& first, const std::string& second) override;
     Status CopyFile(const std::string& source, const std::string& target) override;
     Status FlushFile(const std::string& path) override;
+    Status FlushDescriptor(int descriptor) override;
     Status FlushFolder(const std::string& path) override;
     Status EvictFromCache(const std::string& path) override;
     Status ListFolder(const std::string& path, std::vector<std::string>& names) override;
