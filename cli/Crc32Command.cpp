@@ -10,7 +10,7 @@
 #include "Common/IO/FileIBinaryChannel.h"
 #include "Common/IO/LocationUtils.h"
 #include "Common/IO/NullOBinaryChannel.h"
-#include "InputOutput/SpecialLocations.h"
+#include "InputOutput/WellKnownLocations.h"
 #include "Yr/Exceptions.h"
 #include "Yr/YrException.h"
 
@@ -28,7 +28,7 @@ IO::Location LocationOfArgument(const std::string& argument) {
     const Yr::UniString path(argument.c_str());
     if (Common::IO::IsAbsolutePath(path)) return Common::IO::LocationFromPath(path);
     IO::Location workingFolder;
-    if (IO::SpecialLocations::GetWorkingFolder(workingFolder) != IO::kSuccess)
+    if (IO::WellKnownLocations::GetWorkingFolder(workingFolder) != IO::kSuccess)
         throw Yr::IOException("Failed to find the working folder.", kSourceUnit, __LINE__,
                               Yr::kIOErrorCode);
     return Common::IO::LocationFromRelativePath(workingFolder, path);

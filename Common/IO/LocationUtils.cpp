@@ -5,7 +5,7 @@
 #include "Common/IO/IOUtilities.h"
 #include "InputOutput/Folder.h"
 #include "InputOutput/Name.h"
-#include "InputOutput/SpecialLocations.h"
+#include "InputOutput/WellKnownLocations.h"
 #include "InputOutput/Status.h"
 #include "Yr/Exceptions.h"
 
@@ -395,22 +395,22 @@ bool IsLegalNameChar(char32_t character) {
 
 // Both application messages name the folder: callers already match that text.
 Location GetApplicationFileLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetProgramFile, &ThrowFileError,
+    return GetSpecialLocation(&::IO::WellKnownLocations::GetProgramFile, &ThrowFileError,
                               "Failed to get application folder location.", __LINE__);
 }
 
 Location GetApplicationFolderLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetProgramFolder, &ThrowFileError,
+    return GetSpecialLocation(&::IO::WellKnownLocations::GetProgramFolder, &ThrowFileError,
                               "Failed to get application folder location.", __LINE__);
 }
 
 Location GetCurrentWorkingFolderLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetWorkingFolder, &ThrowFileError,
+    return GetSpecialLocation(&::IO::WellKnownLocations::GetWorkingFolder, &ThrowFileError,
                               "Failed to get current working folder location.", __LINE__);
 }
 
 Location GetTempFolderLocation() {
-    return GetSpecialLocation(&::IO::SpecialLocations::GetTempFolder, &ThrowFolderError,
+    return GetSpecialLocation(&::IO::WellKnownLocations::GetTempFolder, &ThrowFolderError,
                               "Failed to get temp folder location.", __LINE__);
 }
 
@@ -431,7 +431,7 @@ Location CreateTemporaryFileLocation(const Location& folder, const UniString& pr
 
 Location CreateTemporaryFileLocation(const UniString& prefix, const UniString& suffix) {
     Location folder;
-    const Status status = ::IO::SpecialLocations::GetTempFolder(folder);
+    const Status status = ::IO::WellKnownLocations::GetTempFolder(folder);
     if (status != ::IO::kSuccess)
         ThrowFolderError("Failed to create temporary file location in temporary folder.", status,
                          kSourceUnit, __LINE__);

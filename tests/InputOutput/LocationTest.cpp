@@ -11,7 +11,7 @@
 #include "InputOutput/Name.h"
 #include "InputOutput/RelativeLocation.h"
 #include "InputOutput/ScopedFileSystem.h"
-#include "InputOutput/SpecialLocations.h"
+#include "InputOutput/WellKnownLocations.h"
 #include "tests/support/ScopedTempFolder.h"
 
 namespace {
@@ -195,16 +195,16 @@ TEST(FolderTest, GeneratedNameSkipsNamesInUse) {
     EXPECT_EQ(first.GetExtension(), "tmp");
 }
 
-TEST(SpecialLocationsTest, ComeFromTheSystem) {
+TEST(WellKnownLocationsTest, ComeFromTheSystem) {
     Location location;
-    ASSERT_EQ(::IO::SpecialLocations::GetWorkingFolder(location), ::IO::kSuccess);
+    ASSERT_EQ(::IO::WellKnownLocations::GetWorkingFolder(location), ::IO::kSuccess);
     EXPECT_EQ(location.GetDisplayText(), std::filesystem::current_path().c_str());
-    ASSERT_EQ(::IO::SpecialLocations::GetProgramFile(location), ::IO::kSuccess);
+    ASSERT_EQ(::IO::WellKnownLocations::GetProgramFile(location), ::IO::kSuccess);
     Name name;
     ASSERT_EQ(location.GetLastName(name), ::IO::kSuccess);
     EXPECT_EQ(name.GetText(), "InputOutputTests");
     Location folder;
-    ASSERT_EQ(::IO::SpecialLocations::GetProgramFolder(folder), ::IO::kSuccess);
+    ASSERT_EQ(::IO::WellKnownLocations::GetProgramFolder(folder), ::IO::kSuccess);
     EXPECT_TRUE(folder.IsAncestorOf(location));
     EXPECT_EQ(folder.GetNameCount() + 1, location.GetNameCount());
 }

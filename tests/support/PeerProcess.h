@@ -10,15 +10,12 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/TestFiles.h"
+
 namespace Morvelan::Testing {
 
 // Running another program as a peer of a test: finding it, quoting its
 // arguments for the shell and collecting what it prints.
-
-inline std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // Single quotes for /bin/sh, whatever the text holds.
 inline std::string Quoted(const std::string& text) {

@@ -18,8 +18,13 @@
 #include "Yr/Exceptions.h"
 #include "tests/support/ExpectYrException.h"
 #include "tests/support/ScopedTempFolder.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
+
+using Morvelan::Testing::At;
+using Morvelan::Testing::ReadFile;
+using Morvelan::Testing::WriteFile;
 
 using namespace Morvelan::Common::IO;
 using ::IO::FileSystem;
@@ -27,20 +32,6 @@ using ::IO::Location;
 using ::IO::Status;
 using Morvelan::Testing::ExpectYrException;
 using Morvelan::Testing::ScopedTempFolder;
-
-Location At(const std::string& path) {
-    return Location::Parse(path.c_str());
-}
-
-void WriteFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 bool IsThere(const std::string& path) {
     return std::ifstream(path).good();

@@ -18,8 +18,13 @@
 #include "Yr/Exceptions.h"
 #include "tests/support/CapturedDebugOutput.h"
 #include "tests/support/ScopedTempFolder.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
+
+using Morvelan::Testing::At;
+using Morvelan::Testing::ReadFile;
+using Morvelan::Testing::WriteFile;
 
 using namespace Morvelan::Common::IO;
 using ::IO::Location;
@@ -30,20 +35,6 @@ using Morvelan::Testing::ScopedTempFolder;
 // Zero bytes and high bytes catch any text-mode or truncating restore.
 const std::string kOldBytes("old\0\xff\x01 content\n", 16);
 const std::string kNewBytes = "new content, longer than the old one";
-
-Location At(const std::string& path) {
-    return Location::Parse(path.c_str());
-}
-
-void WriteFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 bool Exists(const std::string& path) {
     return std::filesystem::exists(path);

@@ -16,8 +16,13 @@
 #include "InputOutput/ScopedFileSystem.h"
 #include "Yr/Exceptions.h"
 #include "tests/support/ScopedTempFolder.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
+
+using Morvelan::Testing::At;
+using Morvelan::Testing::ReadFile;
+using Morvelan::Testing::WriteFile;
 
 using namespace Morvelan::Common::IO;
 using ::IO::Location;
@@ -27,20 +32,6 @@ using Yr::UniString;
 
 constexpr Yr::UInt32 kCallerLine = 4242;
 const RetryOptions kDefaults(250, 5);
-
-Location At(const std::string& path) {
-    return Location::Parse(path.c_str());
-}
-
-void WriteFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 // Runs `action` and expects an exception of the named class with `message`
 // and error code -7003.

@@ -14,8 +14,11 @@
 #include "Yr/Exceptions.h"
 #include "tests/support/ExpectYrException.h"
 #include "tests/support/ScopedTempFolder.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
+
+using Morvelan::Testing::At;
 
 using namespace Morvelan::Common::IO;
 using ::IO::Location;
@@ -29,10 +32,6 @@ constexpr int kIO = Yr::kIOErrorCode;
 
 Location At(const char* path) {
     return Location::Parse(path);
-}
-
-Location At(const std::string& path) {
-    return Location::Parse(path.c_str());
 }
 
 // Runs `action` and expects an exception of the named class with `message`.

@@ -18,8 +18,12 @@
 #include "Yr/Exceptions.h"
 #include "tests/support/ExpectYrException.h"
 #include "tests/support/ScopedTempFolder.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
+
+using Morvelan::Testing::ReadFile;
+using Morvelan::Testing::WriteFile;
 
 using namespace Morvelan::Common::IO;
 using ::IO::FileSystem;
@@ -27,16 +31,6 @@ using ::IO::Location;
 using ::IO::Status;
 using Morvelan::Testing::ExpectYrException;
 using Morvelan::Testing::ScopedTempFolder;
-
-void WriteFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 FileOutputOptions Options(FileCreationMode creation, FileWriteMode write, Yr::UInt32 retries = 0) {
     FileOutputOptions options;

@@ -6,9 +6,9 @@
 namespace IO {
 
 // The locations the system knows for the running process.
-class SpecialLocations {
+class WellKnownLocations {
 public:
-    SpecialLocations() = delete;
+    WellKnownLocations() = delete;
 
     static Status GetProgramFile(Location& location);
     static Status GetProgramFolder(Location& location);

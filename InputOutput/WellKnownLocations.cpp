@@ -1,4 +1,4 @@
-#include "InputOutput/SpecialLocations.h"
+#include "InputOutput/WellKnownLocations.h"
 
 #include <cstdlib>
 #include <string>
@@ -18,13 +18,13 @@ Status LocationFromSystemPath(const std::string& path, Location& location) {
 
 }  // namespace
 
-Status SpecialLocations::GetProgramFile(Location& location) {
+Status WellKnownLocations::GetProgramFile(Location& location) {
     std::string path;
     const Status status = FileSystem::Get().GetProgramPath(path);
     return status != kSuccess ? status : LocationFromSystemPath(path, location);
 }
 
-Status SpecialLocations::GetProgramFolder(Location& location) {
+Status WellKnownLocations::GetProgramFolder(Location& location) {
     Location file;
     Status status = GetProgramFile(file);
     if (status == kSuccess) status = file.RemoveLastName();
@@ -32,13 +32,13 @@ Status SpecialLocations::GetProgramFolder(Location& location) {
     return status;
 }
 
-Status SpecialLocations::GetWorkingFolder(Location& location) {
+Status WellKnownLocations::GetWorkingFolder(Location& location) {
     std::string path;
     const Status status = FileSystem::Get().GetWorkingFolder(path);
     return status != kSuccess ? status : LocationFromSystemPath(path, location);
 }
 
-Status SpecialLocations::GetTempFolder(Location& location) {
+Status WellKnownLocations::GetTempFolder(Location& location) {
     // getenv is no system call: it reads the process's own memory.
     const char* variable = std::getenv("TMPDIR");
     const std::string path = variable != nullptr && variable[0] == '/' ? variable : "/tmp";
