@@ -87,7 +87,7 @@ protected:
                               " " + Quoted(in) + " " + Quoted(out);
         if (!dictionary.empty()) {
             WriteFile(m_folder.PathOf("dictionary"), dictionary);
-            command += " " + Quoted(m_folder.PathOf("dictionary"));
+            command.append(" ").append(Quoted(m_folder.PathOf("dictionary")));
         }
         const Outcome outcome = RunCommand(command);
         EXPECT_EQ(outcome.status, 0) << command;
