@@ -1,5 +1,6 @@
 #include "Common/IO/FileIBinaryChannel.h"
 
+#include "Common/IO/FileShareLock.h"
 #include "Common/IO/IOUtilities.h"
 #include "InputOutput/FileSystem.h"
 #include "Yr/ChannelArguments.h"
@@ -19,16 +20,6 @@ Yr::UniString Quoted(const char* format, const ::IO::Location& location) {
 
 Yr::UniString OpenFailure(const ::IO::Location& location) {
     return Quoted("Failed to create file binary input channel for location: '%T'.", location);
-}
-
-// Others may only read while we hold a shared lock, and may do nothing while
-// we hold an exclusive one; shares that let others write need no lock.
-Status LockForShare(int descriptor, FileShare share) {
-    if (share == FileShare::None)
-        return FileSystem::Get().Lock(descriptor, FileSystem::LockMode::Exclusive);
-    if (share == FileShare::Read)
-        return FileSystem::Get().Lock(descriptor, FileSystem::LockMode::Shared);
-    return ::IO::kSuccess;
 }
 
 Status OpenLocked(const std::string& path, FileShare share, int& descriptor) {

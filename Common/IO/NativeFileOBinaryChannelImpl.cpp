@@ -5,6 +5,7 @@
 #include "Common/IO/AccessDeniedException.h"
 #include "Common/IO/DiskFullException.h"
 #include "Common/IO/FileAlreadyExistsException.h"
+#include "Common/IO/FileShareLock.h"
 #include "Common/IO/NotFileException.h"
 #include "InputOutput/FileSystem.h"
 #include "Yr/Exceptions.h"
@@ -47,16 +48,6 @@ bool IsDiskFull(Status status) {
 
 void CheckOpenStatus(const std::string& path, Status status) {
     if (status != ::IO::kSuccess) ThrowOpenFailure(path, status);
-}
-
-// flock stands in for sharing: an exclusive lock keeps every locker out, a
-// shared one lets readers in, and sharing writes needs no lock at all.
-Status LockForShare(int descriptor, FileShare share) {
-    if (share == FileShare::None)
-        return FileSystem::Get().Lock(descriptor, FileSystem::LockMode::Exclusive);
-    if (share == FileShare::Read)
-        return FileSystem::Get().Lock(descriptor, FileSystem::LockMode::Shared);
-    return ::IO::kSuccess;
 }
 
 FileSystem::EntryInfo GetEntryInfo(const std::string& path) {
