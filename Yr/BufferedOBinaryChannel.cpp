@@ -59,6 +59,11 @@ void BufferedOBinaryChannel::Flush() {
     m_inner.Flush();
 }
 
+void BufferedOBinaryChannel::Drain() {
+    CheckOpened(__LINE__);
+    WriteCollected();
+}
+
 void BufferedOBinaryChannel::Close() {
     if (m_closed) return;
     m_closed = true;

@@ -24,6 +24,9 @@ public:
     void Write(const char* buffer, UInt32 size) override;
     // Writes what is collected, then flushes the inner channel.
     void Flush() override;
+    // Writes what is collected without flushing the inner channel, for
+    // callers that end the inner stream themselves (a compressor's Finish).
+    void Drain();
     void Close() override;
 
 private:
