@@ -22,7 +22,9 @@ namespace {
 
 constexpr const char* kSourceUnit = "Common/IO/ArchiveIBinaryChannel";
 
-const Yr::IProtocolX& Protocol() { return JavaDataInputProtocolX::GetInstance(); }
+const Yr::IProtocolX& Protocol() {
+    return JavaDataInputProtocolX::GetInstance();
+}
 
 // The channels one entry's data comes through, bottom to top: chunk framing
 // on the archive's channel, archived-size counter, decompressor if any, size
@@ -35,9 +37,8 @@ struct EntryChain {
                        ? std::make_unique<InflaterIBinaryChannel>(
                              archivedCounter, ArchiveFormat::kDeflateBufferSize, false)
                        : nullptr),
-          qlz(method == ArchiveEntry::QuickLZ
-                  ? std::make_unique<QlzIBinaryChannel>(archivedCounter)
-                  : nullptr),
+          qlz(method == ArchiveEntry::QuickLZ ? std::make_unique<QlzIBinaryChannel>(archivedCounter)
+                                              : nullptr),
           sizeCounter(Decompressor()),
           crc(sizeCounter),
           buffer(crc, ArchiveFormat::kEntryBufferSize) {}
@@ -213,10 +214,10 @@ private:
         if (method < ArchiveEntry::Deflated || method > ArchiveEntry::QuickLZ)
             ThrowFormatError("Failed to read archive entry: invalid entry method.", __LINE__);
         auto entry = Yr::MakeRef<ArchiveEntryImpl>(name, method);
-        ReadHeaders(m_channel, [&entry](const Yr::UniString& headerName,
-                                        const Yr::UniString& value) {
-            entry->PutHeader(headerName, value);
-        });
+        ReadHeaders(m_channel,
+                    [&entry](const Yr::UniString& headerName, const Yr::UniString& value) {
+                        entry->PutHeader(headerName, value);
+                    });
         return entry;
     }
 
@@ -263,11 +264,17 @@ Yr::UInt32 ArchiveIBinaryChannel::GetHeaderCount() {
     return static_cast<Yr::UInt32>(m_impl->Ready(__LINE__).m_headers.GetCount());
 }
 
-bool ArchiveIBinaryChannel::HasHeaders() { return GetHeaderCount() > 0; }
+bool ArchiveIBinaryChannel::HasHeaders() {
+    return GetHeaderCount() > 0;
+}
 
-Yr::Ref<ArchiveEntry> ArchiveIBinaryChannel::GetNextEntry() { return m_impl->GetNextEntry(); }
+Yr::Ref<ArchiveEntry> ArchiveIBinaryChannel::GetNextEntry() {
+    return m_impl->GetNextEntry();
+}
 
-Yr::Ref<ArchiveEntry> ArchiveIBinaryChannel::PeekNextEntry() { return m_impl->PeekNextEntry(); }
+Yr::Ref<ArchiveEntry> ArchiveIBinaryChannel::PeekNextEntry() {
+    return m_impl->PeekNextEntry();
+}
 
 bool ArchiveIBinaryChannel::HasCurrentEntry() const {
     m_impl->CheckOpened(__LINE__);
@@ -290,6 +297,8 @@ Yr::UInt64 ArchiveIBinaryChannel::GetAvailable() const {
     return m_impl->m_chain ? m_impl->m_chain->buffer.GetAvailable() : 0;
 }
 
-void ArchiveIBinaryChannel::Close() { m_impl->Close(); }
+void ArchiveIBinaryChannel::Close() {
+    m_impl->Close();
+}
 
 }  // namespace Morvelan::Common::IO

@@ -25,7 +25,9 @@ namespace {
 constexpr const char* kSourceUnit = "Common/IO/ArchiveOBinaryChannel";
 constexpr Yr::UInt32 kPaddingPiece = 128;
 
-const Yr::OProtocolX& Protocol() { return JavaDataOutputProtocolX::GetInstance(); }
+const Yr::OProtocolX& Protocol() {
+    return JavaDataOutputProtocolX::GetInstance();
+}
 
 // The channels one entry's data passes through, top (Write) to bottom:
 // buffer, CRC-32, size counter, compressor if any, archived-size counter,
@@ -35,12 +37,12 @@ struct EntryChain {
         : chunked(channel, Protocol(), ArchiveFormat::kChunkSize),
           archivedCounter(chunked),
           deflater(method == ArchiveEntry::Deflated
-                       ? std::make_unique<DeflaterOBinaryChannel>(archivedCounter, level,
-                                                                  ArchiveFormat::kDeflateBufferSize,
-                                                                  false)
+                       ? std::make_unique<DeflaterOBinaryChannel>(
+                             archivedCounter, level, ArchiveFormat::kDeflateBufferSize, false)
                        : nullptr),
           qlz(method == ArchiveEntry::QuickLZ
-                  ? std::make_unique<QlzOBinaryChannel>(archivedCounter, ArchiveFormat::kQuickLZPacketSize)
+                  ? std::make_unique<QlzOBinaryChannel>(archivedCounter,
+                                                        ArchiveFormat::kQuickLZPacketSize)
                   : nullptr),
           sizeCounter(Compressor()),
           crc(sizeCounter),
@@ -236,8 +238,8 @@ private:
                 kSourceUnit, __LINE__, Yr::kIOErrorCode);
         static constexpr char kZeros[kPaddingPiece] = {};
         while (counter.GetCount() < size) {
-            const auto piece =
-                static_cast<Yr::UInt32>(std::min<Yr::UInt64>(kPaddingPiece, size - counter.GetCount()));
+            const auto piece = static_cast<Yr::UInt32>(
+                std::min<Yr::UInt64>(kPaddingPiece, size - counter.GetCount()));
             counter.Write(kZeros, piece);
         }
     }
@@ -312,7 +314,9 @@ Yr::UInt32 ArchiveOBinaryChannel::GetHeaderCount() const {
     return static_cast<Yr::UInt32>(m_impl->m_headers.GetCount());
 }
 
-bool ArchiveOBinaryChannel::HasHeaders() const { return m_impl->m_headers.GetCount() > 0; }
+bool ArchiveOBinaryChannel::HasHeaders() const {
+    return m_impl->m_headers.GetCount() > 0;
+}
 
 void ArchiveOBinaryChannel::SetMethod(Method method) {
     if (method < ArchiveEntry::Deflated || method > ArchiveEntry::QuickLZ)
@@ -347,11 +351,17 @@ void ArchiveOBinaryChannel::CloseEntry() {
     m_impl->CloseEntry();
 }
 
-Yr::Ref<ArchiveEntry> ArchiveOBinaryChannel::GetCurrentEntry() const { return m_impl->m_entry; }
+Yr::Ref<ArchiveEntry> ArchiveOBinaryChannel::GetCurrentEntry() const {
+    return m_impl->m_entry;
+}
 
-bool ArchiveOBinaryChannel::HasCurrentEntry() const { return !m_impl->m_entry.IsNull(); }
+bool ArchiveOBinaryChannel::HasCurrentEntry() const {
+    return !m_impl->m_entry.IsNull();
+}
 
-void ArchiveOBinaryChannel::Flush() { m_impl->Flush(); }
+void ArchiveOBinaryChannel::Flush() {
+    m_impl->Flush();
+}
 
 void ArchiveOBinaryChannel::Finish() {
     m_impl->CheckOpened(__LINE__);
@@ -363,6 +373,8 @@ bool ArchiveOBinaryChannel::IsFinished() const {
     return m_impl->m_finished;
 }
 
-void ArchiveOBinaryChannel::Close() { m_impl->Close(); }
+void ArchiveOBinaryChannel::Close() {
+    m_impl->Close();
+}
 
 }  // namespace Morvelan::Common::IO

@@ -71,11 +71,10 @@ TEST(ArchiveOBinaryChannelTest, StoredEntryIsFramedInChunksWithItsTrailer) {
     EXPECT_EQ(entry->GetCrc(), 0x3610A686u);
     archive.Close();
     EXPECT_EQ(Hex(sink.GetBytes()),
-              Hex(kMagicAndVersions +
-                  BytesFromHex("00000000 00000001 0001 6B 0001 76"
-                               "0003 612F62 00000002 00000001 0001 68 0001 77"
-                               "00000005 68656C6C6F 00000000"
-                               "0000000000000005 0000000000000005 3610A686")));
+              Hex(kMagicAndVersions + BytesFromHex("00000000 00000001 0001 6B 0001 76"
+                                                   "0003 612F62 00000002 00000001 0001 68 0001 77"
+                                                   "00000005 68656C6C6F 00000000"
+                                                   "0000000000000005 0000000000000005 3610A686")));
 }
 
 TEST(ArchiveOBinaryChannelTest, EntryChunksAreAtMost256KiB) {
@@ -95,7 +94,8 @@ TEST(ArchiveOBinaryChannelTest, EntryChunksAreAtMost256KiB) {
 TEST(ArchiveOBinaryChannelTest, DefaultMethodIsResolvedBeforeTheRecord) {
     RecordingOBinaryChannel sink;
     ArchiveOBinaryChannel archive(sink, 0);
-    EXPECT_EQ(archive.PutNextEntry("a", ArchiveEntry::Default)->GetMethod(), ArchiveEntry::Deflated);
+    EXPECT_EQ(archive.PutNextEntry("a", ArchiveEntry::Default)->GetMethod(),
+              ArchiveEntry::Deflated);
     archive.SetMethod(ArchiveEntry::QuickLZ);
     EXPECT_EQ(archive.PutNextEntry("b", ArchiveEntry::Default)->GetMethod(), ArchiveEntry::QuickLZ);
     archive.Close();
@@ -152,9 +152,9 @@ TEST(ArchiveOBinaryChannelTest, RefusesBadArguments) {
                            "Invalid archive entry name: name is empty.", code);
     ArchiveEntry::Headers bad;
     bad.Put("", "v");
-    ExpectYrException<IAE>([&] { archive.PutNextEntry("", bad, ArchiveEntry::Stored); },
-                           "Invalid archive entry headers: headers contains header with empty name.",
-                           code);
+    ExpectYrException<IAE>(
+        [&] { archive.PutNextEntry("", bad, ArchiveEntry::Stored); },
+        "Invalid archive entry headers: headers contains header with empty name.", code);
     ExpectYrException<IAE>([&] { archive.Write(nullptr, 1); },
                            "Invalid source buffer: source buffer is null.", code);
     ExpectYrException<IAE>([&] { archive.Write("x", 0); },
@@ -179,8 +179,7 @@ TEST(ArchiveOBinaryChannelTest, StatesRefuseWhatTheyNoLongerAllow) {
     ExpectYrException<Yr::IOException>([&] { archive.Write("x", 1); }, finished, Yr::kIOErrorCode);
     ExpectYrException<Yr::IOException>([&] { archive.PutNextEntry("f", ArchiveEntry::Stored); },
                                        finished, Yr::kIOErrorCode);
-    ExpectYrException<Yr::IOException>([&] { archive.ClearHeaders(); }, finished,
-                                       Yr::kIOErrorCode);
+    ExpectYrException<Yr::IOException>([&] { archive.ClearHeaders(); }, finished, Yr::kIOErrorCode);
     archive.Close();
     const char* const closed = "Archive binary output channel is closed.";
     ExpectYrException<Yr::IOException>([&] { archive.IsFinished(); }, closed, Yr::kIOErrorCode);
