@@ -1,6 +1,6 @@
 # The commands people type. Each one installs what it needs, configures its
 # CMake preset and builds; the presets live in CMakePresets.json.
-.PHONY: all deps demo test sanitize tsan bench fuzz format clean
+.PHONY: all deps demo test test-large sanitize tsan bench fuzz format clean
 
 SOURCES = $(shell git ls-files '*.h' '*.cpp')
 DEMO_FILES = README.md Makefile CMakeLists.txt $(wildcard docs/formats/*.md)
@@ -24,6 +24,13 @@ test: deps
 	@cmake --preset debug >/dev/null
 	@cmake --build --preset debug
 	@ctest --preset debug
+
+# The tests labelled `large` (archives past 4 GiB), left out of the others:
+# optimized, as they stream gigabytes.
+test-large: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --target LargeArchiveTests
+	@ctest --preset large
 
 sanitize: deps
 	@cmake --preset asan-ubsan >/dev/null

@@ -22,12 +22,19 @@ function(morvelan_library name)
     set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
 
-# One executable per layer; each test case is its own ctest entry.
+# One executable per layer; each test case is its own ctest entry, labelled
+# with the executable's name unless a LABEL follows the sources. One label
+# only: gtest_discover_tests splits a list property on its way to ctest.
 function(morvelan_add_tests name)
-    add_executable(${name} ${ARGN})
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL" "")
+    if(NOT arg_LABEL)
+        set(arg_LABEL ${name})
+    endif()
+    add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE morvelan_options morvelan_test_support
         GTest::gtest_main GTest::gmock)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES PROPERTIES LABELS ${name})
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES
+        PROPERTIES LABELS ${arg_LABEL})
 endfunction()
 
 # Fuzzing builds instrument every library for coverage and memory errors; the
