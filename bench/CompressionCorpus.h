@@ -36,29 +36,62 @@ inline std::vector<std::filesystem::path> FilesUnder(const char* folder, bool re
     return files;
 }
 
-inline void AppendFiles(std::string& corpus, const std::vector<std::filesystem::path>& files,
+}  // namespace CompressionCorpusDetail
+
+// One file of the corpus: where its bytes lie in CompressionCorpus(). The
+// last file may be cut short by the corpus size.
+struct CompressionCorpusFile {
+    std::string name;
+    std::size_t offset = 0;
+    std::size_t size = 0;
+};
+
+namespace CompressionCorpusDetail {
+
+struct Corpus {
+    std::string bytes;
+    std::vector<CompressionCorpusFile> files;
+};
+
+inline void AppendFiles(Corpus& corpus, const std::vector<std::filesystem::path>& files,
                         std::size_t limit) {
     for (const auto& file : files) {
-        if (corpus.size() >= limit) return;
+        if (corpus.bytes.size() >= limit) return;
         std::ifstream in(file, std::ios::binary);
-        corpus.append(std::istreambuf_iterator<char>(in), {});
+        const std::size_t offset = corpus.bytes.size();
+        corpus.bytes.append(std::istreambuf_iterator<char>(in), {});
+        if (corpus.bytes.size() > offset)
+            corpus.files.push_back({file.string(), offset, corpus.bytes.size() - offset});
     }
+}
+
+inline const Corpus& TheCorpus() {
+    static const Corpus corpus = [] {
+        Corpus built;
+        built.bytes.reserve(kCompressionCorpusSize + (16u << 20));
+        AppendFiles(built, FilesUnder("/usr/include", true, ".h"), kCompressionCorpusSize / 2);
+        AppendFiles(built, FilesUnder("/usr/lib/x86_64-linux-gnu", false, ".so"),
+                    kCompressionCorpusSize);
+        built.bytes.resize(std::min(built.bytes.size(), kCompressionCorpusSize));
+        // The cut may shorten the last file or drop it.
+        while (!built.files.empty() && built.files.back().offset >= built.bytes.size())
+            built.files.pop_back();
+        if (!built.files.empty())
+            built.files.back().size = built.bytes.size() - built.files.back().offset;
+        return built;
+    }();
+    return corpus;
 }
 
 }  // namespace CompressionCorpusDetail
 
 inline const std::string& CompressionCorpus() {
-    static const std::string corpus = [] {
-        using namespace CompressionCorpusDetail;
-        std::string bytes;
-        bytes.reserve(kCompressionCorpusSize + (16u << 20));
-        AppendFiles(bytes, FilesUnder("/usr/include", true, ".h"), kCompressionCorpusSize / 2);
-        AppendFiles(bytes, FilesUnder("/usr/lib/x86_64-linux-gnu", false, ".so"),
-                    kCompressionCorpusSize);
-        bytes.resize(std::min(bytes.size(), kCompressionCorpusSize));
-        return bytes;
-    }();
-    return corpus;
+    return CompressionCorpusDetail::TheCorpus().bytes;
+}
+
+// The corpus file by file, in corpus order; empty files are left out.
+inline const std::vector<CompressionCorpusFile>& CompressionCorpusFiles() {
+    return CompressionCorpusDetail::TheCorpus().files;
 }
 
 }  // namespace Morvelan::Bench

@@ -24,6 +24,8 @@ namespace {
 
 constexpr const char* kSourceUnit = "Common/IO/ArchiveOBinaryChannel";
 constexpr Yr::UInt32 kPaddingPiece = 128;
+// Writes of this size or more cost little more per byte unbuffered.
+constexpr Yr::UInt32 kDirectWriteSize = 4096;
 
 const Yr::OProtocolX& Protocol() {
     return JavaDataOutputProtocolX::GetInstance();
@@ -183,7 +185,15 @@ public:
                 "Failed to write data to archive binary output channel: archive entry hasn't "
                 "been started yet.",
                 kSourceUnit, __LINE__, Yr::kIOErrorCode);
-        m_chain->buffer.Write(buffer, size);
+        // A large write skips the entry's buffer, which would only copy it
+        // once more: the compressors and the framing below collect on their
+        // own, in pieces that do not depend on how the data was written.
+        if (size >= kDirectWriteSize) {
+            m_chain->buffer.Drain();
+            m_chain->crc.Write(buffer, size);
+        } else {
+            m_chain->buffer.Write(buffer, size);
+        }
     }
 
     void Flush() {
