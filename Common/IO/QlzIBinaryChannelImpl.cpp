@@ -42,8 +42,20 @@ Yr::UInt32 QlzIBinaryChannelImpl::Read(char* buffer, Yr::UInt32 size, Yr::ReadSo
     if (!m_headerRead) ReadHeader();
     // Packets never decompress to nothing, but loop all the same, so that 0
     // only ever means the end.
-    while (m_position == m_fill)
-        if (!ReadPacket()) return 0;
+    while (m_position == m_fill) {
+        const Yr::UInt32 length = ReadPacket();
+        if (length == 0) return 0;
+        // A packet the caller's buffer holds whole goes straight there, so
+        // reading in large pieces copies no decompressed byte. The capacity
+        // stays the packet size, so a block claiming more fails as below.
+        if (FitsWhole(length, size))
+            if (const Yr::UInt32 count = m_decompressor->Decompress(
+                    m_compressed.get(), length, buffer, std::min(size, m_packetSize)))
+                return count;
+        if (!m_decompressed) m_decompressed = Yr::AllocateMemoryBlock(m_packetSize);
+        m_fill = m_decompressor->Decompress(m_compressed.get(), length, m_decompressed.get(),
+                                            m_packetSize);
+    }
     const Yr::UInt32 count = std::min(size, m_fill - m_position);
     std::memcpy(buffer, m_decompressed.get() + m_position, count);
     m_position += count;
@@ -67,15 +79,20 @@ void QlzIBinaryChannelImpl::ReadHeader() {
     m_packetSize = header.packetSize;
     // An incompressible packet comes out a few bytes longer than itself.
     m_compressed = Yr::AllocateMemoryBlock(m_packetSize + QuickLZCompressor::kMaxExpansion);
-    m_decompressed = Yr::AllocateMemoryBlock(m_packetSize);
     m_decompressor = std::make_unique<QuickLZDecompressor>();
     m_headerRead = true;
 }
 
-bool QlzIBinaryChannelImpl::ReadPacket() {
+bool QlzIBinaryChannelImpl::FitsWhole(Yr::UInt32 length, Yr::UInt32 size) const {
+    const char* block = m_compressed.get();
+    return length >= QuickLZDecompressor::GetHeaderSize(block[0]) &&
+           QuickLZDecompressor::GetDecompressedSize(block) <= size;
+}
+
+Yr::UInt32 QlzIBinaryChannelImpl::ReadPacket() {
     char lengthBytes[4];
     const Yr::UInt32 got = Yr::IBinaryChannelUtilities::ReadFully(m_inner, lengthBytes, 4);
-    if (got == 0) return false;
+    if (got == 0) return 0;
     if (got < 4) ThrowPacketError("Failed to read packet.", __LINE__);
     Yr::UInt32 length = 0;
     for (int i = 3; i >= 0; --i)
@@ -86,9 +103,7 @@ bool QlzIBinaryChannelImpl::ReadPacket() {
         ThrowPacketError("Failed to read packet.", __LINE__);
     m_position = 0;
     m_fill = 0;
-    m_fill =
-        m_decompressor->Decompress(m_compressed.get(), length, m_decompressed.get(), m_packetSize);
-    return true;
+    return length;
 }
 
 }  // namespace Morvelan::Common::IO

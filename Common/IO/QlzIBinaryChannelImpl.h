@@ -25,12 +25,15 @@ public:
 private:
     void CheckOpened(const char* sourceFile, Yr::UInt32 line) const;
     void ReadHeader();
-    // Decompresses the next packet; false where the inner stream ends.
-    bool ReadPacket();
+    // Reads the next packet's block; its length, or 0 where the inner
+    // stream ends.
+    Yr::UInt32 ReadPacket();
+    // Whether the block read decompresses into `size` bytes.
+    bool FitsWhole(Yr::UInt32 length, Yr::UInt32 size) const;
 
     Yr::UInt32 m_packetSize = 0;
     Yr::MemoryBlock m_compressed;
-    Yr::MemoryBlock m_decompressed;
+    Yr::MemoryBlock m_decompressed;  // only for reads smaller than a packet
     Yr::UInt32 m_position = 0;
     Yr::UInt32 m_fill = 0;
     std::unique_ptr<QuickLZDecompressor> m_decompressor;

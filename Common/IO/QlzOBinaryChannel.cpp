@@ -54,6 +54,14 @@ void QlzOBinaryChannel::Write(const char* buffer, Yr::UInt32 size) {
     Yr::CheckTargetBuffer(buffer, size, kSourceUnit, __LINE__);
     m_finished = false;
     while (size > 0) {
+        // Whole packets of a large write are compressed where they are:
+        // collecting them first would only copy them.
+        if (m_packetFill == 0 && size >= m_packetSize) {
+            WritePacket(buffer, m_packetSize);
+            buffer += m_packetSize;
+            size -= m_packetSize;
+            continue;
+        }
         const Yr::UInt32 count = std::min(size, m_packetSize - m_packetFill);
         std::memcpy(m_packet.get() + m_packetFill, buffer, count);
         m_packetFill += count;
@@ -91,12 +99,15 @@ void QlzOBinaryChannel::WriteHeaderOnce() {
 }
 
 void QlzOBinaryChannel::WritePacket() {
+    WritePacket(m_packet.get(), m_packetFill);
+    m_packetFill = 0;
+}
+
+void QlzOBinaryChannel::WritePacket(const char* data, Yr::UInt32 size) {
     WriteHeaderOnce();
-    const Yr::UInt32 blockSize =
-        m_compressor->Compress(m_packet.get(), m_packetFill, m_block.get());
+    const Yr::UInt32 blockSize = m_compressor->Compress(data, size, m_block.get());
     Yr::GetBinOProtocolX().Write(m_inner, static_cast<unsigned int>(blockSize));
     m_inner.Write(m_block.get(), blockSize);
-    m_packetFill = 0;
 }
 
 }  // namespace Morvelan::Common::IO

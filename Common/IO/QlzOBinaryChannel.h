@@ -42,6 +42,7 @@ private:
     void CheckOpened(const char* sourceFile, Yr::UInt32 line) const;
     void WriteHeaderOnce();
     void WritePacket();
+    void WritePacket(const char* data, Yr::UInt32 size);
 
     Yr::UInt32 m_packetSize = 0;
     Yr::MemoryBlock m_packet;
