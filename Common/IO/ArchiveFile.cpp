@@ -267,6 +267,10 @@ private:
         }
         ExchangeWith(temporary);
         Delete(temporary);
+        // Recompressed entries may have other archived sizes: read them anew.
+        m_entriesRead = false;
+        m_entries.clear();
+        m_index.Clear();
     }
 
     void CopyWithHeaders(const ::IO::Location& temporary) {
