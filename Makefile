@@ -19,6 +19,19 @@ demo: deps
 	@build/release/cli/morvelan crc32 $(DEMO_FILES)
 	@echo "--- and on standard input"
 	@printf '123456789' | build/release/cli/morvelan crc32
+	@tool=build/release/cli/morvelan; work=$$(mktemp -d); trap 'rm -rf "$$work"' EXIT; \
+	for method in stored deflated quicklz; do \
+		archive=$$work/sample-$$method.arc; \
+		echo "--- morvelan archive create --method $$method sample-$$method.arc demo/sample"; \
+		$$tool archive create --method $$method --header made-by=demo $$archive demo/sample || exit 1; \
+		echo "--- morvelan archive list sample-$$method.arc"; \
+		$$tool archive list $$archive || exit 1; \
+		echo "--- morvelan archive verify sample-$$method.arc"; \
+		$$tool archive verify $$archive || exit 1; \
+		echo "--- morvelan archive extract sample-$$method.arc -C out-$$method, then diff -r with demo/sample"; \
+		$$tool archive extract $$archive -C $$work/out-$$method || exit 1; \
+		diff -r demo/sample $$work/out-$$method/sample || exit 1; echo "same tree"; \
+	done
 
 test: deps
 	@cmake --preset debug >/dev/null

@@ -2,37 +2,20 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <memory>
 
 #include "Common/ExceptionPrinting.h"
 #include "Common/IO/BinaryChannelUtilities.h"
 #include "Common/IO/CRC32IBinaryChannel.h"
 #include "Common/IO/CountingIBinaryChannel.h"
-#include "Common/IO/FileIBinaryChannel.h"
-#include "Common/IO/LocationUtils.h"
 #include "Common/IO/NullOBinaryChannel.h"
-#include "InputOutput/WellKnownLocations.h"
-#include "Yr/Exceptions.h"
 #include "Yr/YrException.h"
+#include "cli/CommandSupport.h"
 
 namespace Morvelan::Tool {
 namespace {
 
-using Common::IO::FileIBinaryChannel;
-using Common::IO::FileShare;
-
 constexpr Yr::UInt32 kCopyBufferSize = 1 << 20;
-constexpr const char* kSourceUnit = "cli/Crc32Command";
-
-// Relative paths count from the working folder, as the shell's do.
-IO::Location LocationOfArgument(const std::string& argument) {
-    const Yr::UniString path(argument.c_str());
-    if (Common::IO::IsAbsolutePath(path)) return Common::IO::LocationFromPath(path);
-    IO::Location workingFolder;
-    if (IO::WellKnownLocations::GetWorkingFolder(workingFolder) != IO::kSuccess)
-        throw Yr::IOException("Failed to find the working folder.", kSourceUnit, __LINE__,
-                              Yr::kIOErrorCode);
-    return Common::IO::LocationFromRelativePath(workingFolder, path);
-}
 
 // Streams the file through a counter and a checksum into nowhere.
 void PrintChecksum(Yr::IBinaryChannel& file, const std::string& label) {
@@ -61,16 +44,8 @@ int Crc32Command::Run() {
     int status = 0;
     for (const std::string& path : m_files) {
         try {
-            if (path == "-") {
-                // Reopened through the system so it reads like any file; not
-                // locked, since whoever feeds it keeps writing.
-                FileIBinaryChannel input(IO::Location::Parse("/dev/stdin"), FileShare::ReadWrite);
-                PrintChecksum(input, m_files.size() == 1 ? "" : "-");
-            } else {
-                // Others may read the file meanwhile, but not change it under us.
-                FileIBinaryChannel file(LocationOfArgument(path), FileShare::Read);
-                PrintChecksum(file, path);
-            }
+            const std::unique_ptr<Yr::IBinaryChannel> input = OpenInput(path);
+            PrintChecksum(*input, path == "-" && m_files.size() == 1 ? "" : path);
         } catch (const Yr::YrException& failure) {
             std::fflush(stdout);
             std::fprintf(stderr, "morvelan crc32: %s\n", failure.GetMessage().ToPrintf());

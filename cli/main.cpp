@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "cli/ArchiveCommand.h"
 #include "cli/Crc32Command.h"
 
 namespace {
@@ -17,6 +18,7 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "morvelan 0.1.0");
 
     std::vector<std::unique_ptr<Morvelan::Tool::Command>> commands;
+    commands.push_back(std::make_unique<Morvelan::Tool::ArchiveCommand>(app));
     commands.push_back(std::make_unique<Morvelan::Tool::Crc32Command>(app));
 
     try {

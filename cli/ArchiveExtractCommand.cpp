@@ -1,0 +1,57 @@
+#include "cli/ArchiveExtractCommand.h"
+
+#include <cstdio>
+
+#include "Common/IO/ArchiveExtractor.h"
+#include "Common/IO/IOUtilities.h"
+#include "Common/IO/LocationUtils.h"
+#include "Yr/YrException.h"
+#include "cli/ArchiveReader.h"
+#include "cli/CommandSupport.h"
+
+namespace Morvelan::Tool {
+namespace {
+
+// A file this extraction made for an entry that then failed (damaged data,
+// a failed check) goes again; one that was there before is left alone.
+void ExtractOne(ArchiveReader& reader, Common::IO::ArchiveExtractor& extractor,
+                const Common::IO::ArchiveEntry& entry) {
+    const ::IO::Location target = extractor.GetTargetLocation(entry.GetName());
+    const bool existed = Common::IO::Exists(target);
+    try {
+        extractor.Extract(entry, reader.GetData());
+        reader.Leave();
+    } catch (const Yr::YrException&) {
+        if (!existed) DeleteQuietly(target);
+        throw;
+    }
+}
+
+}  // namespace
+
+ArchiveExtractCommand::ArchiveExtractCommand(CLI::App& archive)
+    : ArchiveSubcommand(archive, "extract", "Extract the entries of an archive into a folder") {
+    m_subcommand->add_option("ARCHIVE", m_archive, "The archive to read; - reads standard input")
+        ->required()
+        ->type_name("FILE");
+    m_subcommand
+        ->add_option("-C,--directory", m_folder,
+                     "The folder to extract into, created if missing (default: the "
+                     "working folder)")
+        ->type_name("FOLDER");
+    m_subcommand->add_flag("-v,--verbose", m_verbose, "Print each entry's name once extracted");
+}
+
+void ArchiveExtractCommand::Execute() {
+    Common::IO::ArchiveExtractor extractor(m_folder.empty()
+                                               ? Common::IO::GetCurrentWorkingFolderLocation()
+                                               : LocationOfArgument(m_folder));
+    ArchiveReader reader(m_archive);
+    reader.ForEach([&](const Common::IO::ArchiveEntry& entry) {
+        ExtractOne(reader, extractor, entry);
+        if (m_verbose) std::printf("%s\n", entry.GetName().ToPrintf());
+        return true;
+    });
+}
+
+}  // namespace Morvelan::Tool

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "cli/Command.h"
+
+namespace Morvelan::Tool {
+
+// One subcommand of `morvelan archive`. Run reports a failure as one line
+// on standard error, "morvelan archive NAME: " and what went wrong, and
+// exits with 1; a derived class only does the work.
+class ArchiveSubcommand : public Command {
+public:
+    int Run() final;
+
+protected:
+    ArchiveSubcommand(CLI::App& archive, const std::string& name, const std::string& description);
+    virtual void Execute() = 0;
+    // A line on standard error that does not stop the work.
+    void Warn(const std::string& text) const;
+
+private:
+    std::string m_name;
+};
+
+}  // namespace Morvelan::Tool
