@@ -16,7 +16,9 @@ namespace IO {
 class FileSystem {
 public:
     // Write opens an existing file as it is, without creating or truncating it.
-    enum class OpenMode { Read, WriteTruncate, WriteNew, ReadWrite, Write };
+    // Write needs the file to exist; WriteCreate makes it when missing and
+    // leaves an existing one as it is.
+    enum class OpenMode { Read, WriteTruncate, WriteNew, ReadWrite, Write, WriteCreate };
     enum class SeekOrigin { Start, Current, End };
     enum class LockMode { Shared, Exclusive };
 

@@ -39,15 +39,19 @@ void CheckSourceBuffer(const char* buffer, Yr::UInt32 size) {
                                            __LINE__, Yr::kIllegalArgumentErrorCode);
 }
 
-// Opens for writing and takes the exclusive lock before truncating, so a
-// file someone else holds is refused untouched. Nothing stays open on failure.
+// Opens for writing, creating the file when missing, and takes the
+// exclusive lock before truncating, so a file someone else holds is refused
+// untouched. An empty file is not truncated: on some file systems that makes
+// the close write out everything written since. Nothing stays open on failure.
 Status OpenLocked(const std::string& path, bool append, int& descriptor) {
     FileSystem& fileSystem = FileSystem::Get();
     int opened = -1;
-    Status status = fileSystem.Open(path, FileSystem::OpenMode::Write, opened);
+    Status status = fileSystem.Open(path, FileSystem::OpenMode::WriteCreate, opened);
     if (status != ::IO::kSuccess) return status;
     status = fileSystem.Lock(opened, FileSystem::LockMode::Exclusive);
-    if (status == ::IO::kSuccess && !append) status = fileSystem.Truncate(opened, 0);
+    Yr::UInt64 size = 0;
+    if (status == ::IO::kSuccess && !append) status = fileSystem.GetSize(opened, size);
+    if (status == ::IO::kSuccess && size > 0) status = fileSystem.Truncate(opened, 0);
     if (status != ::IO::kSuccess) {
         fileSystem.Close(opened);
         return status;
@@ -64,7 +68,6 @@ FileOBinaryChannel::FileOBinaryChannel(const ::IO::Location& location, bool appe
     Yr::UniString path;
     CheckFileError([&] { return OpenFailure(m_location); }, Detail("Failed to create file."),
                    m_location.GetPath(path), kSourceUnit, __LINE__);
-    CreateIfMissing(path.ToUtf8());
     Open(path.ToUtf8(), append);
 }
 
@@ -102,21 +105,6 @@ void FileOBinaryChannel::CheckOpened(const char* sourceFile, Yr::UInt32 line) co
     if (!m_opened)
         throw Yr::IOException("File binary output channel is closed.", sourceFile, line,
                               Yr::kIOErrorCode);
-}
-
-// Creating apart from opening keeps an existing file untouched until the
-// lock is ours; someone creating it meanwhile is as good as us doing it.
-void FileOBinaryChannel::CreateIfMissing(const std::string& path) const {
-    FileSystem& fileSystem = FileSystem::Get();
-    FileSystem::EntryInfo info;
-    Status status = fileSystem.GetEntryInfo(path, info);
-    if (status == ::IO::kSuccess && !info.exists) {
-        int created = -1;
-        status = fileSystem.Open(path, FileSystem::OpenMode::WriteNew, created);
-        if (status == ::IO::kSuccess) status = fileSystem.Close(created);
-    }
-    CheckFileError([&] { return OpenFailure(m_location); }, Detail("Failed to create file."),
-                   status, kSourceUnit, __LINE__);
 }
 
 void FileOBinaryChannel::Open(const std::string& path, bool append) {

@@ -24,7 +24,6 @@ public:
 
 private:
     void CheckOpened(const char* sourceFile, Yr::UInt32 line) const;
-    void CreateIfMissing(const std::string& path) const;
     void Open(const std::string& path, bool append);
 
     ::IO::Location m_location;

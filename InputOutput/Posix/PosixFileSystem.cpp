@@ -92,6 +92,8 @@ int OpenFlags(FileSystem::OpenMode mode) {
             return O_RDWR | O_CREAT;
         case FileSystem::OpenMode::Write:
             return O_WRONLY;
+        case FileSystem::OpenMode::WriteCreate:
+            return O_WRONLY | O_CREAT;
     }
     return O_RDONLY;
 }
