@@ -24,8 +24,9 @@ Location Location::Parse(const Yr::UniString& path) {
 }
 
 bool Location::IsLegal() const {
+    // The leading slash, then the names and their separators.
     return m_status == kSuccess && m_names.IsLegal() &&
-           GetPathText().GetByteCount() <= kMaxPathByteCount;
+           1 + m_names.GetPathByteCount() <= kMaxPathByteCount;
 }
 
 Status Location::GetNameAt(std::size_t index, Name& name) const {

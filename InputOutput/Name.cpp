@@ -1,5 +1,6 @@
 #include "InputOutput/Name.h"
 
+#include <array>
 #include <string>
 
 namespace IO {
@@ -68,9 +69,16 @@ Yr::UniString Name::ReplaceIllegalCharacters(const Yr::UniString& text, char32_t
 }
 
 bool Name::IsLegal() const {
+    // Every location checks all its names, so this runs for each name of
+    // each path the library touches: a table, not a call per byte.
+    static const auto kLegal = [] {
+        std::array<bool, 256> legal{};
+        for (int byte = 0; byte < 256; ++byte) legal[byte] = IsLegalCharacter(byte);
+        return legal;
+    }();
     if (IsEmpty() || m_text.GetByteCount() > kMaxByteCount) return false;
     for (const char byte : m_text.ToUtf8())
-        if (!IsLegalCharacter(static_cast<unsigned char>(byte))) return false;
+        if (!kLegal[static_cast<unsigned char>(byte)]) return false;
     return true;
 }
 

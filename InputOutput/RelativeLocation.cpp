@@ -69,6 +69,12 @@ bool RelativeLocation::IsPrefixOf(const RelativeLocation& other) const {
            std::equal(m_names.begin(), m_names.end(), other.m_names.begin());
 }
 
+std::size_t RelativeLocation::GetPathByteCount() const {
+    std::size_t count = m_names.empty() ? 0 : m_names.size() - 1;
+    for (const Name& name : m_names) count += name.GetText().GetByteCount();
+    return count;
+}
+
 Yr::UniString RelativeLocation::GetPathText() const {
     Yr::UniString text;
     for (std::size_t i = 0; i < m_names.size(); ++i) {

@@ -37,6 +37,8 @@ public:
 
     // The names joined by '/'.
     Yr::UniString GetPathText() const;
+    // The length of GetPathText in bytes, without building it.
+    std::size_t GetPathByteCount() const;
     // The path text, or the text that failed to parse.
     Yr::UniString GetDisplayText() const;
 
