@@ -43,7 +43,8 @@ std::string CheckReserve(const std::string& argument) {
 
 void WriteEntry(ArchiveOBinaryChannel& archive, const ArchiveSource& source,
                 ArchiveEntry::Method method) {
-    Common::IO::FileIBinaryChannel file(source.location, Common::IO::FileShare::Read);
+    // No lock, as tar takes none: a file changing meanwhile is the caller's affair.
+    Common::IO::FileIBinaryChannel file(source.location, Common::IO::FileShare::ReadWrite);
     archive.PutNextEntry(Yr::UniString(source.name.c_str(), source.name.size()), method);
     Common::IO::BinaryChannelUtilities::CopyAll(file, archive, kReadBufferSize);
     archive.CloseEntry();

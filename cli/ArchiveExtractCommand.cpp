@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "Common/IO/ArchiveExtractor.h"
-#include "Common/IO/IOUtilities.h"
 #include "Common/IO/LocationUtils.h"
 #include "Yr/YrException.h"
 #include "cli/ArchiveReader.h"
@@ -16,13 +15,12 @@ namespace {
 // a failed check) goes again; one that was there before is left alone.
 void ExtractOne(ArchiveReader& reader, Common::IO::ArchiveExtractor& extractor,
                 const Common::IO::ArchiveEntry& entry) {
-    const ::IO::Location target = extractor.GetTargetLocation(entry.GetName());
-    const bool existed = Common::IO::Exists(target);
+    const auto target = extractor.Prepare(entry.GetName());
     try {
-        extractor.Extract(entry, reader.GetData());
+        extractor.Write(target, reader.GetData());
         reader.Leave();
     } catch (const Yr::YrException&) {
-        if (!existed) DeleteQuietly(target);
+        if (!target.existed) DeleteQuietly(target.location);
         throw;
     }
 }

@@ -1,12 +1,10 @@
 #include "Common/IO/ArchiveExtractor.h"
 
 #include "Common/IO/ArchiveException.h"
-#include "Common/IO/BinaryChannelUtilities.h"
 #include "Common/IO/FileOBinaryChannel.h"
 #include "Common/IO/IOUtilities.h"
 #include "Common/IO/LocationUtils.h"
 #include "InputOutput/FileSystem.h"
-#include "Yr/BufferedOBinaryChannel.h"
 #include "Yr/ErrorCodes.h"
 
 namespace Morvelan::Common::IO {
@@ -53,17 +51,23 @@ ArchiveExtractor::ArchiveExtractor(const ::IO::Location& folder) : m_folder(fold
     if (!IsFolder(folder)) CreateFolder(folder);
 }
 
-::IO::Location ArchiveExtractor::GetTargetLocation(const Yr::UniString& entryName) {
+ArchiveExtractor::Target ArchiveExtractor::Prepare(const Yr::UniString& entryName) {
     const std::string path = RelativePathOf(entryName);
     if (LeadsOutside(path)) ThrowOutside(entryName, __LINE__);
-    const ::IO::Location target = LocationFromRelativePath(m_folder, Yr::UniString::FromUtf8(path));
-    CheckNoSymbolicLinks(target);
+    Target target;
+    target.location = LocationFromRelativePath(m_folder, Yr::UniString::FromUtf8(path));
+    target.existed = CheckNoSymbolicLinks(target.location);
+    const std::string parent = PathOf(GetParentLocation(target.location));
+    if (m_checkedFolders.count(parent) == 0) {
+        CreateParentFolder(target.location);
+        m_checkedFolders.insert(parent);
+    }
     return target;
 }
 
 // A link planted in the folder, or one the archive itself could not create
 // but an earlier extraction left, must not carry a file outside.
-void ArchiveExtractor::CheckNoSymbolicLinks(const ::IO::Location& target) {
+bool ArchiveExtractor::CheckNoSymbolicLinks(const ::IO::Location& target) {
     ::IO::FileSystem& fileSystem = ::IO::FileSystem::Get();
     const std::string folder = PathOf(m_folder);
     const std::string path = PathOf(target);
@@ -77,22 +81,25 @@ void ArchiveExtractor::CheckNoSymbolicLinks(const ::IO::Location& target) {
         m_checkedFolders.insert(parent);
     }
     ::IO::FileSystem::EntryInfo info;
-    if (fileSystem.GetEntryInfo(path, info) == ::IO::kSuccess && info.isSymbolicLink)
-        ThrowOutside(Yr::UniString::FromUtf8(path), __LINE__);
+    if (fileSystem.GetEntryInfo(path, info) != ::IO::kSuccess) return false;
+    if (info.isSymbolicLink) ThrowOutside(Yr::UniString::FromUtf8(path), __LINE__);
+    return info.exists;
 }
 
 ::IO::Location ArchiveExtractor::Extract(const ArchiveEntry& entry, Yr::IBinaryChannel& data) {
-    const ::IO::Location target = GetTargetLocation(entry.GetName());
-    const std::string parent = PathOf(GetParentLocation(target));
-    if (m_checkedFolders.count(parent) == 0) {
-        CreateParentFolder(target);
-        m_checkedFolders.insert(parent);
-    }
-    FileOBinaryChannel file(target, false, FileShare::None);
-    Yr::BufferedOBinaryChannel buffered(file, kFileBufferSize);
-    BinaryChannelUtilities::CopyAll(data, buffered, kCopyPieceSize);
-    buffered.Close();
-    return target;
+    const Target target = Prepare(entry.GetName());
+    Write(target, data);
+    return target.location;
+}
+
+// Pieces go from the entry straight into the file: the entry's reader
+// buffers already, and one piece serves every file.
+void ArchiveExtractor::Write(const Target& target, Yr::IBinaryChannel& data) {
+    if (!m_piece) m_piece = Yr::AllocateMemoryBlock(kCopyPieceSize);
+    FileOBinaryChannel file(target.location, false, FileShare::None);
+    while (const Yr::UInt32 count = data.Read(m_piece.get(), kCopyPieceSize, Yr::kReadSome))
+        file.Write(m_piece.get(), count);
+    file.Close();
 }
 
 }  // namespace Morvelan::Common::IO

@@ -6,6 +6,7 @@
 #include "Common/IO/ArchiveEntry.h"
 #include "InputOutput/Location.h"
 #include "Yr/IBinaryChannel.h"
+#include "Yr/MemoryBlock.h"
 
 namespace Morvelan::Common::IO {
 
@@ -17,25 +18,34 @@ namespace Morvelan::Common::IO {
 // are slashes.
 class ArchiveExtractor {
 public:
-    static constexpr Yr::UInt32 kFileBufferSize = 262144;
-    static constexpr Yr::UInt32 kCopyPieceSize = 65536;
+    static constexpr Yr::UInt32 kCopyPieceSize = 262144;
 
     // Checks the folder's location and creates it if it is missing.
     explicit ArchiveExtractor(const ::IO::Location& folder);
 
-    // Copies `data` (the entry's uncompressed bytes) into the entry's file,
-    // creating its parent folders; returns the file's location.
+    // Where an entry's file goes, and whether something was there before.
+    struct Target {
+        ::IO::Location location;
+        bool existed = false;
+    };
+
+    // Copies `data` (the entry's uncompressed bytes) into the entry's file;
+    // Prepare then Write.
     ::IO::Location Extract(const ArchiveEntry& entry, Yr::IBinaryChannel& data);
 
-    // Where the entry named so goes; refuses names leading outside.
-    ::IO::Location GetTargetLocation(const Yr::UniString& entryName);
+    // Applies the naming rules, refuses names leading outside, and creates
+    // the parent folders.
+    Target Prepare(const Yr::UniString& entryName);
+    void Write(const Target& target, Yr::IBinaryChannel& data);
 
 private:
-    void CheckNoSymbolicLinks(const ::IO::Location& target);
+    // Whether the target exists; throws when it or a folder on the way is a link.
+    bool CheckNoSymbolicLinks(const ::IO::Location& target);
 
     ::IO::Location m_folder;
     // Folders below m_folder already known to be real folders, not links.
     std::unordered_set<std::string> m_checkedFolders;
+    Yr::MemoryBlock m_piece;
 };
 
 }  // namespace Morvelan::Common::IO
