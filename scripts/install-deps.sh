@@ -7,7 +7,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make python3 zlib1g-dev libgtest-dev libgmock-dev
-          libbenchmark-dev libcli11-dev default-jdk-headless liblz4-dev)
+          libbenchmark-dev libcli11-dev default-jdk-headless liblz4-dev lz4)
 case "${1:-}" in
     fuzz) packages+=(clang libclang-rt-dev) ;;
     format) packages+=(clang-format) ;;
