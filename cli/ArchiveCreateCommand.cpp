@@ -46,7 +46,7 @@ void WriteEntry(ArchiveOBinaryChannel& archive, const ArchiveSource& source,
     // No lock, as tar takes none: a file changing meanwhile is the caller's affair.
     Common::IO::FileIBinaryChannel file(source.location, Common::IO::FileShare::ReadWrite);
     archive.PutNextEntry(Yr::UniString(source.name.c_str(), source.name.size()), method);
-    Common::IO::BinaryChannelUtilities::CopyAll(file, archive, kReadBufferSize);
+    Common::IO::BinaryChannelUtilities::Copy(file, archive, source.size, kReadBufferSize);
     archive.CloseEntry();
 }
 

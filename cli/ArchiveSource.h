@@ -3,6 +3,7 @@
 #include <string>
 
 #include "InputOutput/Location.h"
+#include "Yr/Types.h"
 
 namespace Morvelan::Tool {
 
@@ -10,6 +11,9 @@ namespace Morvelan::Tool {
 struct ArchiveSource {
     ::IO::Location location;
     std::string name;
+    // As the file was when collected: reading stops there, without the
+    // extra read that would find the end, as tar stores what it saw too.
+    Yr::UInt64 size = 0;
 };
 
 }  // namespace Morvelan::Tool
