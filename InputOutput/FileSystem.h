@@ -69,6 +69,13 @@ public:
     virtual Status Read(int descriptor, void* buffer, std::size_t size, std::size_t& count) = 0;
     // Writes all `size` bytes or fails.
     virtual Status Write(int descriptor, const void* buffer, std::size_t size) = 0;
+    // At `offset`, leaving the file pointer alone, so threads may share the
+    // descriptor. ReadAt reads until `size` bytes or the end of the file;
+    // WriteAt writes all `size` bytes or fails.
+    virtual Status ReadAt(int descriptor, Yr::UInt64 offset, void* buffer, std::size_t size,
+                          std::size_t& count) = 0;
+    virtual Status WriteAt(int descriptor, Yr::UInt64 offset, const void* buffer,
+                           std::size_t size) = 0;
     virtual Status Close(int descriptor) = 0;
     // Moves the file pointer and reports where it now stands.
     virtual Status Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin,

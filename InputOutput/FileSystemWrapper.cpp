@@ -14,6 +14,16 @@ Status FileSystemWrapper::Write(int descriptor, const void* buffer, std::size_t 
     return m_target.Write(descriptor, buffer, size);
 }
 
+Status FileSystemWrapper::ReadAt(int descriptor, Yr::UInt64 offset, void* buffer, std::size_t size,
+                                 std::size_t& count) {
+    return m_target.ReadAt(descriptor, offset, buffer, size, count);
+}
+
+Status FileSystemWrapper::WriteAt(int descriptor, Yr::UInt64 offset, const void* buffer,
+                                  std::size_t size) {
+    return m_target.WriteAt(descriptor, offset, buffer, size);
+}
+
 Status FileSystemWrapper::Close(int descriptor) {
     return m_target.Close(descriptor);
 }

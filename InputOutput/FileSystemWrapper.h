@@ -16,6 +16,10 @@ public:
     Status Open(const std::string& path, OpenMode mode, int& descriptor) override;
     Status Read(int descriptor, void* buffer, std::size_t size, std::size_t& count) override;
     Status Write(int descriptor, const void* buffer, std::size_t size) override;
+    Status ReadAt(int descriptor, Yr::UInt64 offset, void* buffer, std::size_t size,
+                  std::size_t& count) override;
+    Status WriteAt(int descriptor, Yr::UInt64 offset, const void* buffer,
+                   std::size_t size) override;
     Status Close(int descriptor) override;
     Status Seek(int descriptor, Yr::Int64 offset, SeekOrigin origin, Yr::UInt64& position) override;
     Status GetSize(int descriptor, Yr::UInt64& size) override;

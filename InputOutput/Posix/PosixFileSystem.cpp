@@ -226,6 +226,41 @@ Status PosixFileSystem::Write(int descriptor, const void* buffer, std::size_t si
     return kSuccess;
 }
 
+Status PosixFileSystem::ReadAt(int descriptor, Yr::UInt64 offset, void* buffer, std::size_t size,
+                               std::size_t& count) {
+    auto* next = static_cast<unsigned char*>(buffer);
+    count = 0;
+    while (count < size) {
+        const ssize_t result =
+            ::pread(descriptor, next + count, size - count, static_cast<off_t>(offset + count));
+        if (result < 0) {
+            if (errno == EINTR) continue;
+            return StatusFromErrno(errno);
+        }
+        if (result == 0) break;
+        count += static_cast<std::size_t>(result);
+    }
+    return kSuccess;
+}
+
+Status PosixFileSystem::WriteAt(int descriptor, Yr::UInt64 offset, const void* buffer,
+                                std::size_t size) {
+    const auto* next = static_cast<const unsigned char*>(buffer);
+    while (size > 0) {
+        const ssize_t result = ::pwrite(descriptor, next, size, static_cast<off_t>(offset));
+        if (result < 0) {
+            if (errno == EINTR) continue;
+            return StatusFromErrno(errno);
+        }
+        // As Write: only a full device takes nothing.
+        if (result == 0) return StatusFromErrno(ENOSPC);
+        next += result;
+        offset += static_cast<Yr::UInt64>(result);
+        size -= static_cast<std::size_t>(result);
+    }
+    return kSuccess;
+}
+
 Status PosixFileSystem::Close(int descriptor) {
     // Not retried on EINTR: Linux has released the descriptor already, and a
     // second close could hit one another thread has just opened.
