@@ -32,6 +32,15 @@ public:
         return position == m_map.end() ? nullptr : &position->second;
     }
 
+    // Copies the value stored under `key` into `value`; false, and `value`
+    // untouched, when there is none.
+    bool TryGet(const Key& key, Value& value) const {
+        const Value* found = Get(key);
+        if (found == nullptr) return false;
+        value = *found;
+        return true;
+    }
+
     // True when the key was present.
     bool Remove(const Key& key) { return m_map.erase(key) != 0; }
     bool Contains(const Key& key) const { return m_map.find(key) != m_map.end(); }

@@ -50,10 +50,7 @@ bool ArchiveEntryImpl::ContainsHeader(const Yr::UniString& name) const {
 }
 
 bool ArchiveEntryImpl::GetHeader(const Yr::UniString& name, Yr::UniString& value) const {
-    const Yr::UniString* found = m_headers.Get(name);
-    if (found == nullptr) return false;
-    value = *found;
-    return true;
+    return m_headers.TryGet(name, value);
 }
 
 bool ArchiveEntryImpl::Equals(const ArchiveEntry& other) const {

@@ -6,6 +6,7 @@
 #include "Common/IO/ArchiveExtractor.h"
 #include "Common/IO/ArchiveIBinaryChannel.h"
 #include "Common/IO/ArchiveOBinaryChannel.h"
+#include "Common/IO/BinaryChannelUtilities.h"
 #include "Common/IO/FileIBinaryChannel.h"
 #include "Common/IO/FileOBinaryChannel.h"
 #include "Common/IO/IOUtilities.h"
@@ -279,11 +280,9 @@ private:
         ArchiveOBinaryChannel writer(buffered, 0);
         ArchiveReader reader(m_location);
         for (const auto& [name, value] : m_headers) writer.PutHeader(name, value);
-        char piece[kCopyPieceSize];
         while (const Yr::Ref<ArchiveEntry> entry = reader->GetNextEntry()) {
             writer.PutNextEntry(entry->GetName(), entry->EnumerateHeaders(), entry->GetMethod());
-            while (const Yr::UInt32 count = reader->Read(piece, sizeof piece, Yr::kReadSome))
-                writer.Write(piece, count);
+            BinaryChannelUtilities::CopyAll(*reader, writer, kCopyPieceSize);
             reader->CloseEntry();
             writer.CloseEntry();
         }
@@ -320,10 +319,7 @@ Yr::UniString ArchiveFile::GetHeader(const Yr::UniString& name) {
 
 bool ArchiveFile::GetHeader(const Yr::UniString& name, Yr::UniString& value) {
     CheckName(name, "Invalid header name: name is empty.", __LINE__);
-    const Yr::UniString* found = m_impl->WithHeaders(__LINE__).m_headers.Get(name);
-    if (found == nullptr) return false;
-    value = *found;
-    return true;
+    return m_impl->WithHeaders(__LINE__).m_headers.TryGet(name, value);
 }
 
 bool ArchiveFile::ConstainsHeader(const Yr::UniString& name) {

@@ -246,10 +246,7 @@ Yr::UniString ArchiveIBinaryChannel::GetHeader(const Yr::UniString& name) {
 }
 
 bool ArchiveIBinaryChannel::GetHeader(const Yr::UniString& name, Yr::UniString& value) {
-    const Yr::UniString* found = m_impl->Ready(__LINE__).m_headers.Get(name);
-    if (found == nullptr) return false;
-    value = *found;
-    return true;
+    return m_impl->Ready(__LINE__).m_headers.TryGet(name, value);
 }
 
 bool ArchiveIBinaryChannel::ConstainsHeader(const Yr::UniString& name) {

@@ -306,10 +306,7 @@ Yr::UniString ArchiveOBinaryChannel::GetHeader(const Yr::UniString& name) const 
 }
 
 bool ArchiveOBinaryChannel::GetHeader(const Yr::UniString& name, Yr::UniString& value) const {
-    const Yr::UniString* found = m_impl->m_headers.Get(name);
-    if (found == nullptr) return false;
-    value = *found;
-    return true;
+    return m_impl->m_headers.TryGet(name, value);
 }
 
 bool ArchiveOBinaryChannel::ConstainsHeader(const Yr::UniString& name) const {
