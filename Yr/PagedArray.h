@@ -12,7 +12,9 @@ namespace Yr {
 // A growable array whose elements never move: growth adds blocks instead of
 // reallocating, so references and pointers to elements stay valid until the
 // array is cleared or destroyed. Indices are checked. One thread at a time.
-template <class T>
+// `PageBits` names the array type as callers spell it (elements per block as
+// a power of two); the deque picks its own block size.
+template <class T, unsigned PageBits = 8>
 class PagedArray {
 public:
     // Appends an element built from `args` and returns it.
