@@ -1,6 +1,7 @@
 #include "Common/Containers/BlockCache.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -44,7 +45,12 @@ void CheckCacheSize(Yr::UInt32 cacheSize) {
 }  // namespace
 
 struct BlockCache::BlockHeader {
-    Yr::UInt32 pinCount = 0;
+    // The pin count is pins - unpins. Pins are taken under the lock only and
+    // given back by a reference without it, so a hit takes the lock once and
+    // one atomic add. Whoever then sees no pin under the lock may reuse the
+    // slot: its acquire pairs with the release of the giving back.
+    std::atomic<Yr::UInt32> pins{0};
+    std::atomic<Yr::UInt32> unpins{0};
     Yr::UInt32 waiterCount = 0;
     Yr::UInt32 identifier = 0;
     char* buffer = nullptr;
@@ -154,7 +160,8 @@ BlockCache::BlockReference& BlockCache::BlockReference::operator=(
 
 void BlockCache::BlockReference::Release() noexcept {
     if (m_cache == nullptr) return;
-    m_cache->Unpin(m_header);
+    // The reference's own pin: the count is at least 1.
+    m_header->unpins.fetch_add(1, std::memory_order_release);
     m_cache = nullptr;
     m_header = nullptr;
     m_buffer = nullptr;
@@ -182,7 +189,7 @@ BlockCache::BlockReference BlockCache::GetBlock(Yr::UInt32 identifier, bool dirt
     Yr::Locker locker(m_lock);
     BlockHeader* header = m_index->Find(identifier);
     if (header != nullptr) {
-        ++header->pinCount;
+        AddPin(*header);
         if (header->flags & kLoading) WaitForLoad(*header);
     } else {
         header = ChooseVictim();
@@ -193,19 +200,23 @@ BlockCache::BlockReference BlockCache::GetBlock(Yr::UInt32 identifier, bool dirt
         }
         header->identifier = identifier;
         header->flags = kInUse;
-        header->pinCount = 1;
+        // Unpinned, so no reference can give a pin back meanwhile.
+        header->unpins.store(0, std::memory_order_relaxed);
+        header->pins.store(1, std::memory_order_relaxed);
         m_index->Insert(header);
         Load(*header);
     }
-    Unlink(*header);
-    LinkAtTail(*header);
+    if (header != m_tail) {
+        Unlink(*header);
+        LinkAtTail(*header);
+    }
     if (dirty) header->flags |= kDirty;
     return BlockReference(this, header);
 }
 
 BlockCache::BlockHeader* BlockCache::ChooseVictim() {
     for (BlockHeader* header = m_head; header != nullptr; header = header->next)
-        if (header->pinCount == 0 && !(header->flags & kLoading)) return header;
+        if (!IsPinned(*header) && !(header->flags & kLoading)) return header;
     ThrowBlockFileError("Failed to get block: there is no more free cache blocks.", __LINE__);
 }
 
@@ -228,7 +239,7 @@ void BlockCache::Load(BlockHeader& header) {
         // free again when the last waiter has let go of it.
         m_index->Remove(header.identifier);
         header.flags = 0;
-        --header.pinCount;
+        DropPin(header);
         if (header.waiterCount > 0) m_loaded.Broadcast();
         throw;
     }
@@ -242,14 +253,24 @@ void BlockCache::WaitForLoad(BlockHeader& header) {
     while (header.flags & kLoading) m_loaded.Wait(m_lock);
     --header.waiterCount;
     if (!(header.flags & kLoaded)) {
-        --header.pinCount;
+        DropPin(header);
         ThrowBlockFileError("Failed to get block: failed to load block.", __LINE__);
     }
 }
 
-void BlockCache::Unpin(BlockHeader* header) noexcept {
-    Yr::Locker locker(m_lock);
-    if (header->pinCount > 0) --header->pinCount;
+void BlockCache::AddPin(BlockHeader& header) {
+    header.pins.store(header.pins.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+}
+
+bool BlockCache::DropPin(BlockHeader& header) {
+    if (!IsPinned(header)) return false;
+    header.unpins.fetch_add(1, std::memory_order_release);
+    return true;
+}
+
+bool BlockCache::IsPinned(const BlockHeader& header) {
+    return header.pins.load(std::memory_order_relaxed) !=
+           header.unpins.load(std::memory_order_acquire);
 }
 
 BlockCache::BlockHeader& BlockCache::FindCached(Yr::UInt32 identifier) {
@@ -262,15 +283,12 @@ BlockCache::BlockHeader& BlockCache::FindCached(Yr::UInt32 identifier) {
 void BlockCache::Pin(Yr::UInt32 identifier, bool pin) {
     Yr::Locker locker(m_lock);
     BlockHeader& header = FindCached(identifier);
-    if (pin) {
-        ++header.pinCount;
-    } else {
-        if (header.pinCount == 0)
-            ThrowBlockFileError(
-                Yr::UniString::Printf("Failed to unpin block: %lu: block is not pinned.", identifier),
-                __LINE__);
-        --header.pinCount;
-    }
+    if (pin)
+        AddPin(header);
+    else if (!DropPin(header))
+        ThrowBlockFileError(
+            Yr::UniString::Printf("Failed to unpin block: %lu: block is not pinned.", identifier),
+            __LINE__);
 }
 
 void BlockCache::SetDirty(Yr::UInt32 identifier, bool dirty) {
@@ -286,7 +304,7 @@ void BlockCache::Evict(Yr::UInt32 identifier) {
     Yr::Locker locker(m_lock);
     BlockHeader* header = m_index->Find(identifier);
     if (header == nullptr) return;
-    if (header->pinCount > 0)
+    if (IsPinned(*header))
         ThrowBlockFileError(
             Yr::UniString::Printf("Failed to evict block: %lu: block is pinned.", identifier),
             __LINE__);
@@ -299,7 +317,7 @@ void BlockCache::EvictAll() {
     for (const auto& page : m_pages) {
         for (Yr::UInt32 i = 0; i < page->slotCount; ++i) {
             BlockHeader& header = page->slots[i];
-            if (!(header.flags & kInUse) || header.pinCount > 0) continue;
+            if (!(header.flags & kInUse) || IsPinned(header)) continue;
             WriteIfDirty(header);
             Forget(header);
         }
@@ -383,7 +401,7 @@ void BlockCache::AddPage(Yr::UInt64 bytes, bool leastRecent) {
 bool BlockCache::ReleasePage(std::size_t pageIndex) {
     Page& page = *m_pages[pageIndex];
     for (Yr::UInt32 i = 0; i < page.slotCount; ++i)
-        if (page.slots[i].pinCount > 0 || (page.slots[i].flags & kLoading)) return false;
+        if (IsPinned(page.slots[i]) || (page.slots[i].flags & kLoading)) return false;
     // All writes first: if one fails, every block is still cached.
     for (Yr::UInt32 i = 0; i < page.slotCount; ++i)
         if (page.slots[i].flags & kInUse) WriteIfDirty(page.slots[i]);

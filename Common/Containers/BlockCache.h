@@ -37,7 +37,8 @@ public:
         char* GetBuffer() const { return m_buffer; }
         Yr::UInt32 GetIdentifier() const { return m_identifier; }
         bool IsEmpty() const { return m_cache == nullptr; }
-        // Unpins now; the buffer must not be used afterwards.
+        // Unpins now, without taking the cache's lock; the buffer must not be
+        // used afterwards.
         void Release() noexcept;
 
     private:
@@ -84,7 +85,10 @@ private:
     class Index;
     struct Page;
 
-    void Unpin(BlockHeader* header) noexcept;
+    // All three under the lock. DropPin is false when there was no pin.
+    static void AddPin(BlockHeader& header);
+    static bool DropPin(BlockHeader& header);
+    static bool IsPinned(const BlockHeader& header);
     BlockHeader& FindCached(Yr::UInt32 identifier);
     BlockHeader* ChooseVictim();
     void Load(BlockHeader& header);
