@@ -9,15 +9,13 @@
 // check and into the lists.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
 #include <vector>
 
 #include "Common/Containers/BlockFileBase.h"
 #include "Common/Containers/BlockFileFormat.h"
 #include "InputOutput/Location.h"
 #include "Yr/YrException.h"
+#include "fuzz/ScratchFile.h"
 
 namespace {
 
@@ -27,33 +25,7 @@ using Morvelan::Common::Containers::BlockFileBase;
 constexpr unsigned kCacheSize = 16;
 constexpr unsigned kMaxMastersRead = 64;
 
-void Check(bool condition) {
-    if (!condition) __builtin_trap();
-}
-
-// A file in a folder of its own, in memory when /dev/shm allows, removed
-// when the fuzzer exits.
-class ScratchFile {
-public:
-    ScratchFile() {
-        char folder[] = "/dev/shm/BlockFileBaseFuzzer.XXXXXX";
-        char fallback[] = "/tmp/BlockFileBaseFuzzer.XXXXXX";
-        const char* made = mkdtemp(folder);
-        if (made == nullptr) made = mkdtemp(fallback);
-        Check(made != nullptr);
-        m_folder = made;
-        m_path = m_folder + "/blocks";
-    }
-    ~ScratchFile() {
-        std::remove(m_path.c_str());
-        std::remove(m_folder.c_str());
-    }
-    const std::string& GetPath() const { return m_path; }
-
-private:
-    std::string m_folder;
-    std::string m_path;
-};
+constexpr auto Check = &ScratchFile::Check;
 
 unsigned ChooseBlockSize(const std::uint8_t* data, std::size_t size) {
     if (size < Format::kBlockSizeOffset + 4) return 64;
@@ -115,14 +87,9 @@ void WorkOn(BlockFileBase& file) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const ScratchFile scratch;
-    const std::string& path = scratch.GetPath();
-    std::FILE* out = std::fopen(path.c_str(), "wb");
-    Check(out != nullptr);
-    Check(std::fwrite(data, 1, size, out) == size);
-    std::fclose(out);
-
-    const ::IO::Location location = ::IO::Location::Parse(path.c_str());
+    static const ScratchFile scratch("BlockFileBaseFuzzer");
+    scratch.Write(data, size);
+    const ::IO::Location location = ::IO::Location::Parse(scratch.GetPath().c_str());
     const unsigned blockSize = ChooseBlockSize(data, size);
     for (int session = 0; session < 2; ++session) {
         try {

@@ -1,9 +1,7 @@
 // Runs `morvelan archive` as a user would: whole trees through create and
 // extract, damaged and hostile archives, and the command line's errors.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -11,35 +9,18 @@
 
 #include "Common/IO/ArchiveOBinaryChannel.h"
 #include "Common/IO/FileOBinaryChannel.h"
-#include "tests/support/PeerProcess.h"
 #include "tests/support/ScopedTempFolder.h"
 #include "tests/support/TestFiles.h"
+#include "tests/support/ToolRun.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using Morvelan::Testing::Quoted;
 using Morvelan::Testing::ReadFile;
+using Morvelan::Testing::RunTool;
 using Morvelan::Testing::ScopedTempFolder;
+using Morvelan::Testing::ToolRun;
 using Morvelan::Testing::WriteFile;
-
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-// `arguments` is shell text run in `folder`; the captured streams go beside it.
-Outcome RunTool(const std::string& arguments, const ScopedTempFolder& folder) {
-    const std::string out = folder.PathOf(".out"), err = folder.PathOf(".err");
-    const std::string command = "cd " + Quoted(folder.GetPath()) + " && " + MORVELAN_TOOL + " " +
-                                arguments + " >" + out + " 2>" + err;
-    const int raw = std::system(command.c_str());
-    const Outcome outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadFile(out), ReadFile(err)};
-    fs::remove(out);
-    fs::remove(err);
-    return outcome;
-}
 
 // Bytes that neither compress to nothing nor refuse to compress, more than
 // one chunk of the framing.
@@ -91,18 +72,18 @@ TEST_P(ArchiveRoundTripTest, ExtractsTheTreeThatWasArchived) {
     const std::string method = GetParam();
     ASSERT_EQ(RunTool("archive create --method " + method + " t.arc dir", folder).status, 0);
 
-    const Outcome listed = RunTool("archive list t.arc", folder);
+    const ToolRun listed = RunTool("archive list t.arc", folder);
     EXPECT_EQ(listed.status, 0);
     EXPECT_EQ(ListedNames(listed.out),
               (std::vector<std::string>{"dir/a.txt", "dir/sub/deeper/big.bin", "dir/sub/empty",
                                         "dir/über.txt"}));
     EXPECT_NE(listed.out.find(method + " "), std::string::npos);
 
-    const Outcome verified = RunTool("archive verify t.arc", folder);
+    const ToolRun verified = RunTool("archive verify t.arc", folder);
     EXPECT_EQ(verified.status, 0);
     EXPECT_EQ(verified.out, "4 entries verified\n");
 
-    const Outcome extracted = RunTool("archive extract t.arc -C out", folder);
+    const ToolRun extracted = RunTool("archive extract t.arc -C out", folder);
     EXPECT_EQ(extracted.status, 0) << extracted.err;
     EXPECT_EQ(Tree(folder.PathOf("out/dir")), Tree(folder.PathOf("dir")));
 }
@@ -137,7 +118,7 @@ TEST(ArchiveCommandTest, SkipsSymbolicLinksWithAWarningAndNeverLoops) {
     WriteFile(folder.PathOf("dir/a.txt"), "a");
     fs::create_directory_symlink("..", folder.PathOf("dir/up"));
     fs::create_symlink("a.txt", folder.PathOf("dir/again.txt"));
-    const Outcome created = RunTool("archive create t.arc dir", folder);
+    const ToolRun created = RunTool("archive create t.arc dir", folder);
     EXPECT_EQ(created.status, 0);
     EXPECT_EQ(created.err,
               "morvelan archive create: skipping symbolic link 'dir/again.txt'\n"
@@ -165,7 +146,7 @@ TEST(ArchiveCommandTest, CatWritesOneEntryOrNamesTheMissingOne) {
     WriteFile(folder.PathOf("dir/b.txt"), "bravo\n");
     ASSERT_EQ(RunTool("archive create t.arc dir", folder).status, 0);
     for (const Case& c : cases) {
-        const Outcome outcome = RunTool(c.arguments, folder);
+        const ToolRun outcome = RunTool(c.arguments, folder);
         EXPECT_EQ(outcome.status, c.status) << c.arguments;
         EXPECT_EQ(outcome.out, c.out) << c.arguments;
         EXPECT_EQ(outcome.err, c.err) << c.arguments;
@@ -175,12 +156,12 @@ TEST(ArchiveCommandTest, CatWritesOneEntryOrNamesTheMissingOne) {
 TEST(ArchiveCommandTest, StreamsThroughStandardOutputAndInput) {
     ScopedTempFolder folder;
     MakeTree(folder.PathOf("dir"));
-    const Outcome created = RunTool("archive create --method quicklz - dir", folder);
+    const ToolRun created = RunTool("archive create --method quicklz - dir", folder);
     ASSERT_EQ(created.status, 0);
     WriteFile(folder.PathOf("saved.arc"), created.out);
     EXPECT_EQ(RunTool("archive verify - <saved.arc", folder).out, "4 entries verified\n");
 
-    const Outcome piped = RunTool(
+    const ToolRun piped = RunTool(
         std::string("archive create - dir | ") + MORVELAN_TOOL + " archive extract - -C out -v",
         folder);
     EXPECT_EQ(piped.status, 0) << piped.err;
@@ -227,7 +208,7 @@ TEST(ArchiveCommandTest, NamesTheEntryThatFailsItsCheck) {
     WriteFile(folder.PathOf("t.arc"), bytes);
     fs::remove(folder.PathOf("x"));
 
-    const Outcome verified = RunTool("archive verify t.arc", folder);
+    const ToolRun verified = RunTool("archive verify t.arc", folder);
     EXPECT_EQ(verified.status, 1);
     EXPECT_EQ(verified.out, "");
     EXPECT_EQ(verified.err,
@@ -252,7 +233,7 @@ TEST(ArchiveCommandTest, RefusesEntriesLeadingOutsideTheFolder) {
             archive.Write("gotcha", 6);
             archive.Close();
         }
-        const Outcome outcome = RunTool("archive extract t.arc -C out", folder);
+        const ToolRun outcome = RunTool("archive extract t.arc -C out", folder);
         EXPECT_EQ(outcome.status, 1) << name;
         EXPECT_NE(outcome.err.find("leads outside the target folder"), std::string::npos)
             << outcome.err;
@@ -265,7 +246,7 @@ TEST(ArchiveCommandTest, AFailedCreateLeavesTheOldArchiveAlone) {
     ScopedTempFolder folder;
     WriteFile(folder.PathOf("t.arc"), "old");
     WriteFile(folder.PathOf("a.txt"), "a");
-    const Outcome outcome = RunTool("archive create t.arc a.txt missing.txt", folder);
+    const ToolRun outcome = RunTool("archive create t.arc a.txt missing.txt", folder);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find("File is not found."), std::string::npos) << outcome.err;
     EXPECT_EQ(ReadFile(folder.PathOf("t.arc")), "old");

@@ -2,18 +2,17 @@
 // knows, and what it reports for each.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "Common/Containers/BlockFileFormat.h"
 #include "Common/Containers/BlockFileScanner.h"
 #include "Common/IO/FileNotFoundException.h"
 #include "Common/IO/NotFileException.h"
 #include "InputOutput/FileSystemWrapper.h"
 #include "InputOutput/ScopedFileSystem.h"
 #include "Yr/Exceptions.h"
+#include "tests/support/BlockFileImage.h"
 #include "tests/support/ExpectYrException.h"
 #include "tests/support/ScopedTempFolder.h"
 #include "tests/support/TestFiles.h"
@@ -23,56 +22,21 @@ namespace {
 namespace Format = Morvelan::Common::Containers::BlockFileFormat;
 using Morvelan::Common::Containers::BlockFileScanner;
 using Morvelan::Testing::At;
+using Morvelan::Testing::BlockFileImage;
+using Morvelan::Testing::ExpectYrException;
 using Morvelan::Testing::ScopedTempFolder;
 using Morvelan::Testing::WriteFile;
 using Kind = BlockFileScanner::FaultKind;
-
-// The bytes of a block file: a header, then blocks whose leading fields are
-// set one by one, the rest zeros.
-class BlockFileImage {
-public:
-    BlockFileImage(Yr::UInt32 blockSize, Yr::UInt32 blockCount)
-        : m_blockSize(blockSize), m_bytes(std::string(std::size_t(blockSize) * blockCount, '\0')) {
-        Header(Format::kMagicOffset, Format::kMagic);
-        Header(Format::kMajorVersionOffset, Format::kMajorVersion);
-        Header(Format::kBlockCountOffset, blockCount);
-        Header(Format::kBlockSizeOffset, blockSize);
-    }
-    void Header(Yr::UInt32 offset, Yr::UInt32 value) { Fields(0, {value}, offset); }
-    // `values` from `offset` of the block on, four bytes each.
-    void Fields(Yr::UInt32 block, const std::vector<Yr::UInt32>& values, Yr::UInt32 offset = 0) {
-        for (const Yr::UInt32 value : values) {
-            Format::WriteField(m_bytes.data() + std::size_t(block) * m_blockSize + offset, 0,
-                               value);
-            offset += 4;
-        }
-    }
-    std::string& Bytes() { return m_bytes; }
-
-private:
-    Yr::UInt32 m_blockSize;
-    std::string m_bytes;
-};
+using Faults = std::vector<std::pair<Kind, Yr::UInt32>>;
 
 // Eight blocks of 64 bytes: block 1 lists master blocks 2 and 3, blocks 4
 // and 6 are free, 5 and 7 belong to the client.
 BlockFileImage SoundImage() {
     BlockFileImage image(64, 8);
-    image.Header(Format::kMasterListHeadOffset, 1);
-    image.Header(Format::kFreeListHeadOffset, 4);
-    image.Header(Format::kFreeBlockCountOffset, 2);
-    image.Fields(1, {0, 2, 2, 3});
-    image.Fields(4, {6});
-    image.Fields(6, {0});
+    image.SetFields(0, {1, 4, 2}, Format::kMasterListHeadOffset);
+    image.SetFields(1, {0, 2, 2, 3});
+    image.SetFields(4, {6});
     return image;
-}
-
-using Faults = std::vector<std::pair<Kind, Yr::UInt32>>;
-
-Faults KindsAndBlocks(const BlockFileScanner& scanner) {
-    Faults faults;
-    for (const auto& fault : scanner.GetFaults()) faults.emplace_back(fault.kind, fault.block);
-    return faults;
 }
 
 class BlockFileScannerTest : public testing::Test {
@@ -82,34 +46,23 @@ protected:
         return BlockFileScanner(At(m_path));
     }
 
+    static Faults KindsAndBlocks(const BlockFileScanner& scanner) {
+        Faults faults;
+        for (const auto& fault : scanner.GetFaults()) faults.emplace_back(fault.kind, fault.block);
+        return faults;
+    }
+
     ScopedTempFolder m_folder;
     std::string m_path = m_folder.PathOf("blocks");
 };
-
-TEST_F(BlockFileScannerTest, ReadsTheHeaderAndWalksASoundFile) {
-    BlockFileImage image = SoundImage();
-    const BlockFileScanner scanner = Scan(image);
-    EXPECT_TRUE(scanner.IsClean());
-    EXPECT_EQ(scanner.GetFileSize(), 512u);
-    const BlockFileScanner::Header& header = scanner.GetHeader();
-    EXPECT_EQ(header.magic, Format::kMagic);
-    EXPECT_EQ(header.blockCount, 8u);
-    EXPECT_EQ(header.blockSize, 64u);
-    EXPECT_EQ(header.masterListHead, 1u);
-    EXPECT_EQ(header.freeListHead, 4u);
-    EXPECT_EQ(header.freeBlockCount, 2u);
-    EXPECT_EQ(scanner.GetFreeListLength(), 2u);
-    EXPECT_EQ(scanner.GetMasterListBlocks(), std::vector<Yr::UInt32>{1});
-    EXPECT_EQ(scanner.GetMasterBlocks(), (std::vector<Yr::UInt32>{2, 3}));
-}
 
 // 64-byte blocks hold 14 entries: the fifteenth master block goes into a
 // second list block, as the block file puts it.
 TEST_F(BlockFileScannerTest, FollowsAMasterListOverSeveralBlocks) {
     BlockFileImage image(64, 18);
-    image.Header(Format::kMasterListHeadOffset, 1);
-    image.Fields(1, {17, 14, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15});
-    image.Fields(17, {0, 1, 16});
+    image.Set(Format::kMasterListHeadOffset, 1);
+    image.SetFields(1, {17, 14, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15});
+    image.SetFields(17, {0, 1, 16});
     const BlockFileScanner scanner = Scan(image);
     EXPECT_TRUE(scanner.IsClean());
     EXPECT_EQ(scanner.GetMasterListBlocks(), (std::vector<Yr::UInt32>{1, 17}));
@@ -118,106 +71,68 @@ TEST_F(BlockFileScannerTest, FollowsAMasterListOverSeveralBlocks) {
 }
 
 TEST_F(BlockFileScannerTest, ReportsEveryKindOfDamage) {
-    struct Case {
-        const char* name;
-        std::function<void(BlockFileImage&)> damage;
+    using enum Kind;
+    constexpr Yr::UInt32 kCount = Format::kBlockCountOffset, kSize = Format::kBlockSizeOffset;
+    constexpr Yr::UInt32 kFreeCount = Format::kFreeBlockCountOffset;
+    constexpr Yr::UInt32 kList = 64, kBlock6 = 6 * 64, kBlock7 = 7 * 64;
+    const struct {
+        std::vector<std::pair<Yr::UInt32, Yr::UInt32>> edits;  // offset in the file, value
         Faults expected;
-    };
-    const auto header = [](Yr::UInt32 offset, Yr::UInt32 value) {
-        return [=](BlockFileImage& image) { image.Header(offset, value); };
-    };
-    const auto fields = [](Yr::UInt32 block, const std::vector<Yr::UInt32>& values) {
-        return [=](BlockFileImage& image) { image.Fields(block, values); };
-    };
-    const Case cases[] = {
-        {"header cut short",
-         [](BlockFileImage& image) { image.Bytes().resize(35); },
-         {{Kind::HeaderTruncated, 0}}},
-        {"wrong magic", header(Format::kMagicOffset, 0x46427258), {{Kind::WrongMagic, 0}}},
-        {"major version 2",
-         header(Format::kMajorVersionOffset, 2),
-         {{Kind::UnsupportedVersion, 0}}},
-        {"minor version 1",
-         header(Format::kMinorVersionOffset, 1),
-         {{Kind::UnsupportedVersion, 0}}},
-        {"block size too small",
-         header(Format::kBlockSizeOffset, 35),
-         {{Kind::InvalidBlockSize, 0}}},
-        {"block size too large",
-         header(Format::kBlockSizeOffset, (16 << 20) + 1),
-         {{Kind::InvalidBlockSize, 0}}},
-        {"block count past the file",
-         header(Format::kBlockCountOffset, 9),
-         {{Kind::BlockCountBeyondFile, 0}}},
-        {"block count past 4 GiB",
-         header(Format::kBlockCountOffset, 0x4000001),
-         {{Kind::BlockCountBeyondFile, 0}, {Kind::BlockCountBeyondFourGiB, 0}}},
-        {"free count not below block count",
-         header(Format::kFreeBlockCountOffset, 8),
-         {{Kind::FreeCountTooLarge, 0}, {Kind::FreeCountMismatch, 0}}},
-        {"free count wrong",
-         header(Format::kFreeBlockCountOffset, 3),
-         {{Kind::FreeCountMismatch, 0}}},
-        {"free block out of range", fields(6, {12}), {{Kind::FreeBlockOutOfRange, 12}}},
-        {"free head out of range",
-         header(Format::kFreeListHeadOffset, 8),
-         {{Kind::FreeBlockOutOfRange, 8}}},
-        {"free block past the end of the file",
-         [](BlockFileImage& image) {
-             image.Header(Format::kBlockCountOffset, 10);
-             image.Fields(6, {9});
-         },
-         {{Kind::BlockCountBeyondFile, 0}, {Kind::FreeBlockPastEndOfFile, 9}}},
-        {"free list cycle", fields(6, {4}), {{Kind::FreeListCycle, 4}}},
-        {"free block pointing at itself", fields(4, {4}), {{Kind::FreeListCycle, 4}}},
-        {"list block out of range", fields(1, {8, 2, 2, 3}), {{Kind::ListBlockOutOfRange, 8}}},
-        {"list block past the end of the file",
-         [](BlockFileImage& image) {
-             image.Header(Format::kBlockCountOffset, 9);
-             image.Header(Format::kMasterListHeadOffset, 8);
-         },
-         {{Kind::BlockCountBeyondFile, 0}, {Kind::ListBlockPastEndOfFile, 8}}},
-        {"master list cycle",
-         [](BlockFileImage& image) {
-             image.Fields(1, {7});
-             image.Fields(7, {1, 1, 5});
-         },
-         {{Kind::MasterListCycle, 1}}},
-        {"list block on the free list", fields(1, {6, 2, 2, 3}), {{Kind::ListBlockFree, 6}}},
-        {"entry count over capacity",
-         fields(1, {0, 15, 2, 3}),
-         {{Kind::EntryCountOverCapacity, 1}}},
-        {"entry naming the header", fields(1, {0, 2, 2, 0}), {{Kind::MasterEntryOutOfRange, 0}}},
-        {"entry out of range", fields(1, {0, 2, 8, 3}), {{Kind::MasterEntryOutOfRange, 8}}},
-        {"master block on the free list", fields(1, {0, 2, 2, 6}), {{Kind::MasterBlockFree, 6}}},
-        {"master block listed twice",
-         fields(1, {0, 3, 2, 3, 2}),
-         {{Kind::MasterBlockListedTwice, 2}}},
+    } cases[] = {
+        {{{Format::kMagicOffset, 0x46427258}}, {{WrongMagic, 0}}},
+        {{{Format::kMajorVersionOffset, 2}}, {{UnsupportedVersion, 0}}},
+        {{{Format::kMinorVersionOffset, 1}}, {{UnsupportedVersion, 0}}},
+        {{{kSize, 35}}, {{InvalidBlockSize, 0}}},
+        {{{kSize, (16 << 20) + 1}}, {{InvalidBlockSize, 0}}},
+        {{{kCount, 9}}, {{BlockCountBeyondFile, 0}}},
+        {{{kCount, 0x4000001}}, {{BlockCountBeyondFile, 0}, {BlockCountBeyondFourGiB, 0}}},
+        {{{kFreeCount, 8}}, {{FreeCountTooLarge, 0}, {FreeCountMismatch, 0}}},
+        {{{kFreeCount, 3}}, {{FreeCountMismatch, 0}}},
+        {{{kBlock6, 12}}, {{FreeBlockOutOfRange, 12}}},
+        {{{Format::kFreeListHeadOffset, 8}}, {{FreeBlockOutOfRange, 8}}},
+        {{{kCount, 10}, {kBlock6, 9}}, {{BlockCountBeyondFile, 0}, {FreeBlockPastEndOfFile, 9}}},
+        {{{kBlock6, 4}}, {{FreeListCycle, 4}}},
+        {{{4 * 64, 4}}, {{FreeListCycle, 4}}},
+        {{{kList, 8}}, {{ListBlockOutOfRange, 8}}},
+        {{{kCount, 9}, {Format::kMasterListHeadOffset, 8}},
+         {{BlockCountBeyondFile, 0}, {ListBlockPastEndOfFile, 8}}},
+        {{{kList, 7}, {kBlock7, 1}, {kBlock7 + 4, 1}, {kBlock7 + 8, 5}}, {{MasterListCycle, 1}}},
+        {{{kList, 6}}, {{ListBlockFree, 6}}},
+        {{{kList + 4, 15}}, {{EntryCountOverCapacity, 1}}},
+        {{{kList + 12, 0}}, {{MasterEntryOutOfRange, 0}}},
+        {{{kList + 8, 8}}, {{MasterEntryOutOfRange, 8}}},
+        {{{kList + 12, 6}}, {{MasterBlockFree, 6}}},
+        {{{kList + 4, 3}, {kList + 16, 2}}, {{MasterBlockListedTwice, 2}}},
         // Block 7 is known as a list block only after the entry names it.
-        {"master block that is a later list block",
-         [](BlockFileImage& image) {
-             image.Fields(1, {7, 2, 2, 7});
-             image.Fields(7, {0, 1, 5});
-         },
-         {{Kind::MasterBlockIsListBlock, 7}}},
+        {{{kList, 7}, {kList + 12, 7}, {kBlock7 + 4, 1}, {kBlock7 + 8, 5}},
+         {{MasterBlockIsListBlock, 7}}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
         BlockFileImage image = SoundImage();
-        c.damage(image);
+        for (const auto& [offset, value] : c.edits) image.Set(offset, value);
         const BlockFileScanner scanner = Scan(image);
-        EXPECT_EQ(KindsAndBlocks(scanner), c.expected) << c.name;
-        for (const auto& fault : scanner.GetFaults()) EXPECT_FALSE(fault.text.IsEmpty()) << c.name;
+        EXPECT_EQ(KindsAndBlocks(scanner), c.expected);
+        for (const auto& fault : scanner.GetFaults()) EXPECT_FALSE(fault.text.IsEmpty());
     }
 }
 
+// A header cut short, or one that names no usable block size, leaves no
+// list to walk.
 TEST_F(BlockFileScannerTest, StopsAtAHeaderThatLeavesNothingToWalk) {
-    BlockFileImage image = SoundImage();
-    image.Header(Format::kBlockSizeOffset, 0);
-    const BlockFileScanner scanner = Scan(image);
-    EXPECT_TRUE(scanner.HasHeader());
-    EXPECT_FALSE(scanner.HasWalkedLists());
-    EXPECT_EQ(scanner.GetFreeListLength(), 0u);
-    EXPECT_TRUE(scanner.GetMasterBlocks().empty());
+    for (const bool cut : {true, false}) {
+        BlockFileImage image = SoundImage();
+        if (cut) image.Bytes().resize(35);
+        if (!cut) image.Set(Format::kBlockSizeOffset, 0);
+        const BlockFileScanner scanner = Scan(image);
+        EXPECT_EQ(scanner.HasHeader(), !cut);
+        EXPECT_FALSE(scanner.HasWalkedLists());
+        EXPECT_EQ(scanner.GetFreeListLength(), 0u);
+        EXPECT_TRUE(scanner.GetMasterBlocks().empty());
+        if (cut) {
+            EXPECT_EQ(KindsAndBlocks(scanner), (Faults{{Kind::HeaderTruncated, 0}}));
+        }
+    }
 }
 
 // A free list through every block of a larger file, closed into a loop at
@@ -225,10 +140,9 @@ TEST_F(BlockFileScannerTest, StopsAtAHeaderThatLeavesNothingToWalk) {
 TEST_F(BlockFileScannerTest, EndsLongCycles) {
     const Yr::UInt32 count = 5000;
     BlockFileImage image(36, count);
-    image.Header(Format::kFreeListHeadOffset, 1);
-    image.Header(Format::kFreeBlockCountOffset, count - 1);
+    image.SetFields(0, {1, count - 1}, Format::kFreeListHeadOffset);
     for (Yr::UInt32 block = 1; block < count; ++block)
-        image.Fields(block, {block + 1 < count ? block + 1 : 2});
+        image.SetFields(block, {block + 1 < count ? block + 1 : 2});
     const BlockFileScanner scanner = Scan(image);
     EXPECT_EQ(KindsAndBlocks(scanner), (Faults{{Kind::FreeListCycle, 2}}));
     EXPECT_EQ(scanner.GetFreeListLength(), count - 1);
@@ -276,10 +190,10 @@ TEST_F(BlockFileScannerTest, OnlyReadsAndThrowsWhenItCannot) {
 
 TEST_F(BlockFileScannerTest, RefusesWhatIsNotAFile) {
     const std::string missing = m_folder.PathOf("missing");
-    Morvelan::Testing::ExpectYrException<Morvelan::Common::IO::FileNotFoundException>(
+    ExpectYrException<Morvelan::Common::IO::FileNotFoundException>(
         [&] { BlockFileScanner scanner(At(missing)); },
         ("File is not found: '" + missing + "'.").c_str(), -7003);
-    Morvelan::Testing::ExpectYrException<Morvelan::Common::IO::NotFileException>(
+    ExpectYrException<Morvelan::Common::IO::NotFileException>(
         [&] { BlockFileScanner scanner(At(m_folder.GetPath())); },
         ("Not a file: '" + m_folder.GetPath() + "'.").c_str(), -7003);
 }
