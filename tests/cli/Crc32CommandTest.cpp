@@ -1,37 +1,17 @@
 // Runs the built tool as a user would and checks what it prints.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <fstream>
 #include <string>
 
 #include "tests/support/ScopedTempFolder.h"
+#include "tests/support/TestFiles.h"
+#include "tests/support/ToolRun.h"
 
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-Outcome RunTool(const std::string& arguments, const std::string& folder) {
-    const std::string command = std::string(MORVELAN_TOOL) + " " + arguments + " >" + folder +
-                                "/out.txt 2>" + folder + "/err.txt";
-    const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(folder + "/out.txt"),
-            Slurp(folder + "/err.txt")};
-}
-
-void WriteFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
+using Morvelan::Testing::RunTool;
+using Morvelan::Testing::ToolRun;
+using Morvelan::Testing::WriteFile;
 
 TEST(Crc32CommandTest, PrintsChecksumAndSizeOfEachFile) {
     Morvelan::Testing::ScopedTempFolder folder;
@@ -39,7 +19,7 @@ TEST(Crc32CommandTest, PrintsChecksumAndSizeOfEachFile) {
     const std::string empty = folder.GetPath() + "/empty";
     WriteFile(digits, "123456789");
     WriteFile(empty, "");
-    const Outcome outcome = RunTool("crc32 " + digits + " " + empty, folder.GetPath());
+    const ToolRun outcome = RunTool("crc32 " + digits + " " + empty, folder);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "cbf43926 9 " + digits + "\n00000000 0 " + empty + "\n");
     EXPECT_EQ(outcome.err, "");
@@ -48,7 +28,7 @@ TEST(Crc32CommandTest, PrintsChecksumAndSizeOfEachFile) {
 TEST(Crc32CommandTest, ReadsStandardInputWithoutAName) {
     Morvelan::Testing::ScopedTempFolder folder;
     WriteFile(folder.GetPath() + "/in", "123456789");
-    const Outcome outcome = RunTool("crc32 <" + folder.GetPath() + "/in", folder.GetPath());
+    const ToolRun outcome = RunTool("crc32 <" + folder.GetPath() + "/in", folder);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "cbf43926 9\n");
 }
@@ -57,8 +37,8 @@ TEST(Crc32CommandTest, ReportsAMissingFileAndGoesOn) {
     Morvelan::Testing::ScopedTempFolder folder;
     const std::string present = folder.GetPath() + "/present";
     WriteFile(present, std::string(1 << 20, 'a'));
-    const Outcome outcome =
-        RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder.GetPath());
+    const ToolRun outcome =
+        RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
               "morvelan crc32: Failed to create file binary input channel for "
@@ -70,9 +50,9 @@ TEST(Crc32CommandTest, ReportsAMissingFileAndGoesOn) {
 
 TEST(Crc32CommandTest, RejectsUnknownCommandsAsUsageErrors) {
     Morvelan::Testing::ScopedTempFolder folder;
-    EXPECT_EQ(RunTool("frobnicate", folder.GetPath()).status, 2);
-    EXPECT_EQ(RunTool("", folder.GetPath()).status, 2);
-    EXPECT_EQ(RunTool("--help", folder.GetPath()).status, 0);
+    EXPECT_EQ(RunTool("frobnicate", folder).status, 2);
+    EXPECT_EQ(RunTool("", folder).status, 2);
+    EXPECT_EQ(RunTool("--help", folder).status, 0);
 }
 
 }  // namespace
