@@ -1,0 +1,7 @@
+#include "Common/Extension.h"
+
+namespace Morvelan::Common {
+
+Extension::~Extension() = default;
+
+}  // namespace Morvelan::Common
