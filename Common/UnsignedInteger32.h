@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Yr/Types.h"
+#include "Yr/UniString.h"
+
+namespace Morvelan::Common {
+
+// Unsigned integer32 literals: whole-text decimal literals within range.
+class UnsignedInteger32 {
+public:
+    UnsignedInteger32() = delete;
+
+    // Throws IllegalArgumentException for empty text, ConversionErrorException
+    // for text that is not a literal of this type.
+    static Yr::UInt32 Parse(const Yr::UniString& text);
+    // False for text that is not a literal, `value` then untouched; empty text
+    // still throws.
+    static bool Parse(const Yr::UniString& text, Yr::UInt32& value);
+    static Yr::UniString ToString(Yr::UInt32 value);
+    // Lower-case hexadecimal without prefix.
+    static Yr::UniString ToHexString(Yr::UInt32 value);
+};
+
+}  // namespace Morvelan::Common
