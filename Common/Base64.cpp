@@ -21,7 +21,8 @@ using ReverseTable = std::array<unsigned char, 256>;
 constexpr ReverseTable MakeReverse(const char* alphabet) {
     ReverseTable table{};
     for (auto& entry : table) entry = kInvalid;
-    for (unsigned i = 0; i < 64; ++i) table[static_cast<unsigned char>(alphabet[i])] = static_cast<unsigned char>(i);
+    for (unsigned i = 0; i < 64; ++i)
+        table[static_cast<unsigned char>(alphabet[i])] = static_cast<unsigned char>(i);
     return table;
 }
 
@@ -37,7 +38,8 @@ void CheckRaw(const char* source, Yr::UInt32 size, char** target, Yr::UInt32* ta
     if (source == nullptr) Refuse("Invalid source: source buffer pointer is null.", __LINE__);
     if (size == 0) Refuse("Invalid source: source buffer size is 0.", __LINE__);
     if (target == nullptr && targetSize == nullptr)
-        Refuse("Invalid target: target buffer pointer is null and target size pointer is null.", __LINE__);
+        Refuse("Invalid target: target buffer pointer is null and target size pointer is null.",
+               __LINE__);
 }
 
 // Allocates, converts and hands out the buffer through whichever out-pointers exist.
@@ -51,7 +53,10 @@ Yr::UInt32 RunRaw(Yr::UInt32 capacity, char** target, Yr::UInt32* targetSize, Co
         Yr::MemoryManager::Free(buffer);
         throw;
     }
-    if (target != nullptr) *target = buffer; else Yr::MemoryManager::Free(buffer);
+    if (target != nullptr)
+        *target = buffer;
+    else
+        Yr::MemoryManager::Free(buffer);
     if (targetSize != nullptr) *targetSize = written;
     return written;
 }
@@ -70,20 +75,24 @@ Yr::UInt32 DecodeBuffer(const Yr::DataBuffer<T>& source, Yr::DataBuffer<T>& targ
     if (source.IsEmpty()) Refuse("Invalid source buffer: buffer is empty.", __LINE__);
     const auto size = static_cast<Yr::UInt32>(source.GetSize());
     target.Resize(Base64::DecodedCapacity(size));
-    const Yr::UInt32 written = Base64::DecodeInto(reinterpret_cast<const char*>(source.GetData()), size,
-                                                  reinterpret_cast<unsigned char*>(target.GetData()), urlSafe);
+    const Yr::UInt32 written =
+        Base64::DecodeInto(reinterpret_cast<const char*>(source.GetData()), size,
+                           reinterpret_cast<unsigned char*>(target.GetData()), urlSafe);
     target.Resize(written);
     return written;
 }
 
-Yr::UInt32 EncodeRaw(const char* source, Yr::UInt32 size, char** target, Yr::UInt32* targetSize, bool urlSafe) {
+Yr::UInt32 EncodeRaw(const char* source, Yr::UInt32 size, char** target, Yr::UInt32* targetSize,
+                     bool urlSafe) {
     CheckRaw(source, size, target, targetSize);
     return RunRaw(Base64::EncodedSize(size, urlSafe), target, targetSize, [&](char* buffer) {
-        return Base64::EncodeInto(reinterpret_cast<const unsigned char*>(source), size, buffer, urlSafe);
+        return Base64::EncodeInto(reinterpret_cast<const unsigned char*>(source), size, buffer,
+                                  urlSafe);
     });
 }
 
-Yr::UInt32 DecodeRaw(const char* source, Yr::UInt32 size, char** target, Yr::UInt32* targetSize, bool urlSafe) {
+Yr::UInt32 DecodeRaw(const char* source, Yr::UInt32 size, char** target, Yr::UInt32* targetSize,
+                     bool urlSafe) {
     CheckRaw(source, size, target, targetSize);
     return RunRaw(Base64::DecodedCapacity(size), target, targetSize, [&](char* buffer) {
         return Base64::DecodeInto(source, size, reinterpret_cast<unsigned char*>(buffer), urlSafe);
@@ -99,12 +108,14 @@ Yr::UInt32 Base64::EncodedSize(Yr::UInt32 size, bool urlSafe) {
     return full + (urlSafe ? rest + 1 : 4);
 }
 
-Yr::UInt32 Base64::EncodeInto(const unsigned char* source, Yr::UInt32 size, char* target, bool urlSafe) {
+Yr::UInt32 Base64::EncodeInto(const unsigned char* source, Yr::UInt32 size, char* target,
+                              bool urlSafe) {
     const char* alphabet = urlSafe ? kUrlSafe : kStandard;
     const unsigned char* end = source + size / 3 * 3;
     char* out = target;
     for (; source != end; source += 3, out += 4) {
-        const Yr::UInt32 group = (Yr::UInt32{source[0]} << 16) | (Yr::UInt32{source[1]} << 8) | source[2];
+        const Yr::UInt32 group =
+            (Yr::UInt32{source[0]} << 16) | (Yr::UInt32{source[1]} << 8) | source[2];
         out[0] = alphabet[group >> 18];
         out[1] = alphabet[(group >> 12) & 63];
         out[2] = alphabet[(group >> 6) & 63];
@@ -112,7 +123,8 @@ Yr::UInt32 Base64::EncodeInto(const unsigned char* source, Yr::UInt32 size, char
     }
     const Yr::UInt32 rest = size % 3;
     if (rest != 0) {
-        const Yr::UInt32 group = (Yr::UInt32{source[0]} << 16) | (rest == 2 ? Yr::UInt32{source[1]} << 8 : 0);
+        const Yr::UInt32 group =
+            (Yr::UInt32{source[0]} << 16) | (rest == 2 ? Yr::UInt32{source[1]} << 8 : 0);
         *out++ = alphabet[group >> 18];
         *out++ = alphabet[(group >> 12) & 63];
         if (rest == 2) *out++ = alphabet[(group >> 6) & 63];
@@ -124,19 +136,24 @@ Yr::UInt32 Base64::EncodeInto(const unsigned char* source, Yr::UInt32 size, char
     return static_cast<Yr::UInt32>(out - target);
 }
 
-Yr::UInt32 Base64::DecodeInto(const char* source, Yr::UInt32 size, unsigned char* target, bool urlSafe) {
+Yr::UInt32 Base64::DecodeInto(const char* source, Yr::UInt32 size, unsigned char* target,
+                              bool urlSafe) {
     const ReverseTable& reverse = urlSafe ? kUrlSafeReverse : kStandardReverse;
     const auto* in = reinterpret_cast<const unsigned char*>(source);
     // Decoding ends at the first padding character; memchr scans far faster than a loop.
     const void* padding = std::memchr(in, '=', size);
     const Yr::UInt32 length =
-        padding == nullptr ? size : static_cast<Yr::UInt32>(static_cast<const unsigned char*>(padding) - in);
+        padding == nullptr
+            ? size
+            : static_cast<Yr::UInt32>(static_cast<const unsigned char*>(padding) - in);
     const unsigned char* end = in + length / 4 * 4;
     unsigned char* out = target;
     for (; in != end; in += 4, out += 3) {
-        const unsigned a = reverse[in[0]], b = reverse[in[1]], c = reverse[in[2]], d = reverse[in[3]];
+        const unsigned a = reverse[in[0]], b = reverse[in[1]], c = reverse[in[2]],
+                       d = reverse[in[3]];
         // One test per group: any invalid entry has the high bits set.
-        if ((a | b | c | d) & 0xC0) Refuse("Invalid source: character outside the Base64 alphabet.", __LINE__);
+        if ((a | b | c | d) & 0xC0)
+            Refuse("Invalid source: character outside the Base64 alphabet.", __LINE__);
         const Yr::UInt32 group = (a << 18) | (b << 12) | (c << 6) | d;
         out[0] = static_cast<unsigned char>(group >> 16);
         out[1] = static_cast<unsigned char>(group >> 8);
@@ -148,7 +165,8 @@ Yr::UInt32 Base64::DecodeInto(const char* source, Yr::UInt32 size, unsigned char
         unsigned group = 0;
         for (Yr::UInt32 i = 0; i < rest; ++i) {
             const unsigned value = reverse[in[i]];
-            if (value & 0xC0) Refuse("Invalid source: character outside the Base64 alphabet.", __LINE__);
+            if (value & 0xC0)
+                Refuse("Invalid source: character outside the Base64 alphabet.", __LINE__);
             group |= value << (18 - 6 * i);
         }
         *out++ = static_cast<unsigned char>(group >> 16);
@@ -157,20 +175,44 @@ Yr::UInt32 Base64::DecodeInto(const char* source, Yr::UInt32 size, unsigned char
     return static_cast<Yr::UInt32>(out - target);
 }
 
-Yr::UInt32 Base64::Encode(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) { return EncodeRaw(s, n, t, ts, false); }
-Yr::UInt32 Base64::EncodeUrlSafe(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) { return EncodeRaw(s, n, t, ts, true); }
-Yr::UInt32 Base64::Decode(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) { return DecodeRaw(s, n, t, ts, false); }
-Yr::UInt32 Base64::DecodeUrlSafe(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) { return DecodeRaw(s, n, t, ts, true); }
+Yr::UInt32 Base64::Encode(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) {
+    return EncodeRaw(s, n, t, ts, false);
+}
+Yr::UInt32 Base64::EncodeUrlSafe(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) {
+    return EncodeRaw(s, n, t, ts, true);
+}
+Yr::UInt32 Base64::Decode(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) {
+    return DecodeRaw(s, n, t, ts, false);
+}
+Yr::UInt32 Base64::DecodeUrlSafe(const char* s, Yr::UInt32 n, char** t, Yr::UInt32* ts) {
+    return DecodeRaw(s, n, t, ts, true);
+}
 
 using Bytes = Yr::DataBuffer<unsigned char>;
 using Chars = Yr::DataBuffer<char>;
-Yr::UInt32 Base64::Encode(const Bytes& s, Bytes& t) { return EncodeBuffer(s, t, false); }
-Yr::UInt32 Base64::EncodeUrlSafe(const Bytes& s, Bytes& t) { return EncodeBuffer(s, t, true); }
-Yr::UInt32 Base64::Decode(const Bytes& s, Bytes& t) { return DecodeBuffer(s, t, false); }
-Yr::UInt32 Base64::DecodeUrlSafe(const Bytes& s, Bytes& t) { return DecodeBuffer(s, t, true); }
-Yr::UInt32 Base64::Encode(const Chars& s, Chars& t) { return EncodeBuffer(s, t, false); }
-Yr::UInt32 Base64::EncodeUrlSafe(const Chars& s, Chars& t) { return EncodeBuffer(s, t, true); }
-Yr::UInt32 Base64::Decode(const Chars& s, Chars& t) { return DecodeBuffer(s, t, false); }
-Yr::UInt32 Base64::DecodeUrlSafe(const Chars& s, Chars& t) { return DecodeBuffer(s, t, true); }
+Yr::UInt32 Base64::Encode(const Bytes& s, Bytes& t) {
+    return EncodeBuffer(s, t, false);
+}
+Yr::UInt32 Base64::EncodeUrlSafe(const Bytes& s, Bytes& t) {
+    return EncodeBuffer(s, t, true);
+}
+Yr::UInt32 Base64::Decode(const Bytes& s, Bytes& t) {
+    return DecodeBuffer(s, t, false);
+}
+Yr::UInt32 Base64::DecodeUrlSafe(const Bytes& s, Bytes& t) {
+    return DecodeBuffer(s, t, true);
+}
+Yr::UInt32 Base64::Encode(const Chars& s, Chars& t) {
+    return EncodeBuffer(s, t, false);
+}
+Yr::UInt32 Base64::EncodeUrlSafe(const Chars& s, Chars& t) {
+    return EncodeBuffer(s, t, true);
+}
+Yr::UInt32 Base64::Decode(const Chars& s, Chars& t) {
+    return DecodeBuffer(s, t, false);
+}
+Yr::UInt32 Base64::DecodeUrlSafe(const Chars& s, Chars& t) {
+    return DecodeBuffer(s, t, true);
+}
 
 }  // namespace Morvelan::Common

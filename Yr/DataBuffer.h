@@ -19,7 +19,9 @@ public:
 
     void Resize(std::size_t size) { elements_.resize(size); }
     void Clear() { elements_.clear(); }
-    void Append(const T* data, std::size_t size) { elements_.insert(elements_.end(), data, data + size); }
+    void Append(const T* data, std::size_t size) {
+        elements_.insert(elements_.end(), data, data + size);
+    }
 
 private:
     std::vector<T> elements_;

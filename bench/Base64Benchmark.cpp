@@ -61,15 +61,17 @@ double TimeSystemBase64(const char* flag, const std::string& path) {
 
 void BM_Base64Encode(benchmark::State& state) {
     std::vector<char> target(Base64::EncodedSize(kSize, false));
-    for (auto _ : state) benchmark::DoNotOptimize(Base64::EncodeInto(Plain().data(), kSize, target.data(), false));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Base64::EncodeInto(Plain().data(), kSize, target.data(), false));
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * kSize);
 }
 
 void BM_Base64Decode(benchmark::State& state) {
-    std::vector<unsigned char> target(Base64::DecodedCapacity(static_cast<Yr::UInt32>(Encoded().size())));
+    std::vector<unsigned char> target(
+        Base64::DecodedCapacity(static_cast<Yr::UInt32>(Encoded().size())));
     for (auto _ : state)
-        benchmark::DoNotOptimize(
-            Base64::DecodeInto(Encoded().data(), static_cast<Yr::UInt32>(Encoded().size()), target.data(), false));
+        benchmark::DoNotOptimize(Base64::DecodeInto(
+            Encoded().data(), static_cast<Yr::UInt32>(Encoded().size()), target.data(), false));
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * kSize);
 }
 
