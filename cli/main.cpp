@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/ArchiveCommand.h"
+#include "cli/Base64Command.h"
 #include "cli/BlockfileCommand.h"
 #include "cli/Crc32Command.h"
 
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
 
     std::vector<std::unique_ptr<Morvelan::Tool::Command>> commands;
     commands.push_back(std::make_unique<Morvelan::Tool::ArchiveCommand>(app));
+    commands.push_back(std::make_unique<Morvelan::Tool::Base64Command>(app));
     commands.push_back(std::make_unique<Morvelan::Tool::BlockfileCommand>(app));
     commands.push_back(std::make_unique<Morvelan::Tool::Crc32Command>(app));
 
