@@ -9,14 +9,19 @@
 
 #include "Yr/Exceptions.h"
 
+#include "Common/AbstractProgressMonitor.h"
 #include "Common/IO/BoundedIBinaryChannel.h"
 #include "Common/IO/CRC32IBinaryChannel.h"
 #include "Common/IO/CRC32OBinaryChannel.h"
 #include "Common/IO/CountingIBinaryChannel.h"
 #include "Common/IO/CountingOBinaryChannel.h"
 #include "Common/IO/NullOBinaryChannel.h"
+#include "Common/IO/PushbackIBinaryChannel.h"
 #include "Common/IO/RangeIBinaryChannel.h"
+#include "Common/IO/RewindableIBinaryChannel.h"
 #include "Common/IO/SplitterOBinaryChannel.h"
+#include "Common/ProgressMonitorIBinaryChannel.h"
+#include "Common/ProgressMonitorOBinaryChannel.h"
 #include "tests/support/ExpectYrException.h"
 #include "tests/support/FailingIBinaryChannel.h"
 #include "tests/support/RecordingOBinaryChannel.h"
@@ -43,12 +48,20 @@ Filter<Channel> Make(const char* name, Rest... rest) {
 }
 
 NullOBinaryChannel g_discard;
+struct : Morvelan::Common::AbstractProgressMonitor {
+} g_monitor;
 
 const Filter<Yr::IBinaryChannel> kInputs[] = {
     Make<Yr::IBinaryChannel, CountingIBinaryChannel>("Counting"),
     Make<Yr::IBinaryChannel, CRC32IBinaryChannel>("CRC32"),
     Make<Yr::IBinaryChannel, BoundedIBinaryChannel>("Bounded", Yr::UInt64{99}),
     Make<Yr::IBinaryChannel, RangeIBinaryChannel>("Range", Yr::UInt64{0}, Yr::UInt64{99}),
+    Make<Yr::IBinaryChannel, PushbackIBinaryChannel>("Pushback"),
+    Make<Yr::IBinaryChannel, PushbackIBinaryChannel>("Pushback fixed", Yr::UInt32{4}),
+    Make<Yr::IBinaryChannel, RewindableIBinaryChannel>("Rewindable"),
+    Make<Yr::IBinaryChannel, RewindableIBinaryChannel>("Rewindable ring", Yr::UInt32{4}),
+    Make<Yr::IBinaryChannel, Morvelan::Common::ProgressMonitorIBinaryChannel>(
+        "Progress", std::ref<Morvelan::Common::ProgressMonitor>(g_monitor)),
 };
 
 // The splitter passes its first channel for the one under test.
@@ -57,6 +70,8 @@ const Filter<Yr::OBinaryChannel> kOutputs[] = {
     Make<Yr::OBinaryChannel, CRC32OBinaryChannel>("CRC32"),
     Make<Yr::OBinaryChannel, SplitterOBinaryChannel>("Splitter",
                                                      std::ref<Yr::OBinaryChannel>(g_discard)),
+    Make<Yr::OBinaryChannel, Morvelan::Common::ProgressMonitorOBinaryChannel>(
+        "Progress", std::ref<Morvelan::Common::ProgressMonitor>(g_monitor)),
 };
 
 TEST(FilterConventionTest, EmptyRefIsRejectedAtConstruction) {
