@@ -31,7 +31,14 @@ demo: deps
 		echo "--- morvelan archive extract sample-$$method.arc -C out-$$method, then diff -r with demo/sample"; \
 		$$tool archive extract $$archive -C $$work/out-$$method || exit 1; \
 		diff -r demo/sample $$work/out-$$method/sample || exit 1; echo "same tree"; \
-	done
+	done; \
+	echo "--- morvelan archive create/verify on 256 MiB (a progress bar on standard error, when it is a terminal)"; \
+	head -c 268435456 /dev/urandom >$$work/noise.bin; \
+	$$tool archive create --method deflated $$work/noise.arc $$work/noise.bin || exit 1; \
+	$$tool archive verify $$work/noise.arc || exit 1; \
+	echo "--- morvelan base64 encode, then decode"; \
+	printf 'Morvelan\n' | $$tool base64 encode; \
+	printf 'Morvelan\n' | $$tool base64 encode | $$tool base64 decode
 
 test: deps
 	@cmake --preset debug >/dev/null

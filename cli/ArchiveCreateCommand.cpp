@@ -10,10 +10,13 @@
 #include "Common/IO/FileOBinaryChannel.h"
 #include "Common/IO/IOUtilities.h"
 #include "Common/IO/LocationUtils.h"
+#include "Common/ProgressMonitorIBinaryChannel.h"
 #include "Yr/BufferedOBinaryChannel.h"
 #include "Yr/YrException.h"
 #include "cli/ArchiveSourceCollector.h"
+#include "cli/CancelableIBinaryChannel.h"
 #include "cli/CommandSupport.h"
+#include "cli/JobProgress.h"
 #include "cli/StandardOutputChannel.h"
 
 namespace Morvelan::Tool {
@@ -42,12 +45,21 @@ std::string CheckReserve(const std::string& argument) {
 }
 
 void WriteEntry(ArchiveOBinaryChannel& archive, const ArchiveSource& source,
-                ArchiveEntry::Method method) {
+                ArchiveEntry::Method method, JobProgress& progress) {
     // No lock, as tar takes none: a file changing meanwhile is the caller's affair.
     Common::IO::FileIBinaryChannel file(source.location, Common::IO::FileShare::ReadWrite);
+    Common::ProgressMonitorIBinaryChannel monitored(file, progress.BeginFile());
+    CancelableIBinaryChannel cancelable(monitored, progress.GetCancelMonitor());
     archive.PutNextEntry(Yr::UniString(source.name.c_str(), source.name.size()), method);
-    Common::IO::BinaryChannelUtilities::Copy(file, archive, source.size, kReadBufferSize);
+    Common::IO::BinaryChannelUtilities::Copy(cancelable, archive, source.size, kReadBufferSize);
     archive.CloseEntry();
+    progress.EndFile();
+}
+
+Yr::UInt64 TotalSize(const std::vector<ArchiveSource>& sources) {
+    Yr::UInt64 total = 0;
+    for (const ArchiveSource& source : sources) total += source.size;
+    return total;
 }
 
 }  // namespace
@@ -81,13 +93,17 @@ void ArchiveCreateCommand::AddOptions() {
     m_subcommand->add_option("--header", m_headers, "An archive header (repeatable)")
         ->type_name("NAME=VALUE")
         ->check(CLI::Validator(CheckNameValue, ""));
+    AddQuietFlag();
 }
 
 void ArchiveCreateCommand::Execute() {
     const std::vector<ArchiveSource> sources = CollectSources();
-    if (m_archive != "-") return CreateFile(sources);
-    StandardOutputChannel output;
-    WriteArchive(sources, output);
+    JobProgress progress(IsQuiet());
+    progress.Run(TotalSize(sources), [&] {
+        if (m_archive != "-") return CreateFile(sources, progress);
+        StandardOutputChannel output;
+        WriteArchive(sources, output, progress);
+    });
 }
 
 std::vector<ArchiveSource> ArchiveCreateCommand::CollectSources() const {
@@ -100,14 +116,15 @@ std::vector<ArchiveSource> ArchiveCreateCommand::CollectSources() const {
 
 // Written beside the target, then renamed over it, so the target is either
 // the old file or the whole new archive, never half of one.
-void ArchiveCreateCommand::CreateFile(const std::vector<ArchiveSource>& sources) const {
+void ArchiveCreateCommand::CreateFile(const std::vector<ArchiveSource>& sources,
+                                      JobProgress& progress) const {
     const ::IO::Location target = LocationOfArgument(m_archive);
     const Yr::UniString name = Common::IO::GetName(target);
     const ::IO::Location temporary = Common::IO::CreateTemporaryFileLocation(
         Common::IO::GetParentLocation(target), "." + name + ".", ".tmp");
     try {
         Common::IO::FileOBinaryChannel file(temporary, false, Common::IO::FileShare::None);
-        WriteArchive(sources, file);
+        WriteArchive(sources, file, progress);
         Common::IO::Rename(temporary, name);
     } catch (...) {
         DeleteQuietly(temporary);
@@ -116,7 +133,7 @@ void ArchiveCreateCommand::CreateFile(const std::vector<ArchiveSource>& sources)
 }
 
 void ArchiveCreateCommand::WriteArchive(const std::vector<ArchiveSource>& sources,
-                                        Yr::OBinaryChannel& output) const {
+                                        Yr::OBinaryChannel& output, JobProgress& progress) const {
     Yr::BufferedOBinaryChannel buffered(output, kWriteBufferSize);
     ArchiveOBinaryChannel archive(buffered, m_reserve);
     for (const std::string& header : m_headers) {
@@ -125,7 +142,7 @@ void ArchiveCreateCommand::WriteArchive(const std::vector<ArchiveSource>& source
     }
     archive.SetCompressionLevel(m_level);
     const ArchiveEntry::Method method = kMethods.at(m_method);
-    for (const ArchiveSource& source : sources) WriteEntry(archive, source, method);
+    for (const ArchiveSource& source : sources) WriteEntry(archive, source, method, progress);
     // Finishes the archive and closes the buffer and the output under it.
     archive.Close();
 }

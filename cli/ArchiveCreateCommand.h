@@ -9,11 +9,14 @@
 
 namespace Morvelan::Tool {
 
+class JobProgress;
+
 // `morvelan archive create ARCHIVE PATH...`: an archive of files and of
 // folders with everything below them. Each PATH contributes its own name:
 // folder `dir` gives `dir/a.txt`, file `x/y.txt` gives `y.txt`. Symbolic
 // links are skipped with a warning. The archive is written under a
-// temporary name and renamed into place only once complete.
+// temporary name and renamed into place only once complete, so Ctrl-C
+// leaves no half-written archive behind.
 class ArchiveCreateCommand final : public ArchiveSubcommand {
 public:
     explicit ArchiveCreateCommand(CLI::App& archive);
@@ -24,8 +27,9 @@ protected:
 private:
     void AddOptions();
     std::vector<ArchiveSource> CollectSources() const;
-    void CreateFile(const std::vector<ArchiveSource>& sources) const;
-    void WriteArchive(const std::vector<ArchiveSource>& sources, Yr::OBinaryChannel& output) const;
+    void CreateFile(const std::vector<ArchiveSource>& sources, JobProgress& progress) const;
+    void WriteArchive(const std::vector<ArchiveSource>& sources, Yr::OBinaryChannel& output,
+                      JobProgress& progress) const;
 
     std::string m_archive;
     std::vector<std::string> m_paths;

@@ -7,6 +7,7 @@
 #include "Yr/YrException.h"
 #include "cli/ArchiveReader.h"
 #include "cli/CommandSupport.h"
+#include "cli/JobProgress.h"
 
 namespace Morvelan::Tool {
 namespace {
@@ -38,17 +39,27 @@ ArchiveExtractCommand::ArchiveExtractCommand(CLI::App& archive)
                      "working folder)")
         ->type_name("FOLDER");
     m_subcommand->add_flag("-v,--verbose", m_verbose, "Print each entry's name once extracted");
+    AddQuietFlag();
 }
 
 void ArchiveExtractCommand::Execute() {
     Common::IO::ArchiveExtractor extractor(m_folder.empty()
                                                ? Common::IO::GetCurrentWorkingFolderLocation()
                                                : LocationOfArgument(m_folder));
-    ArchiveReader reader(m_archive);
-    reader.ForEach([&](const Common::IO::ArchiveEntry& entry) {
-        ExtractOne(reader, extractor, entry);
-        if (m_verbose) std::printf("%s\n", entry.GetName().ToPrintf());
-        return true;
+    JobProgress progress(IsQuiet());
+    ArchiveReader reader(m_archive, &progress.GetJobMonitor());
+    progress.Run(reader.GetSizeIfKnown(), [&] {
+        reader.ForEach([&](const Common::IO::ArchiveEntry& entry) {
+            progress.BeginFile();
+            ExtractOne(reader, extractor, entry);
+            progress.EndFile();
+            if (m_verbose) {
+                progress.Clear();
+                std::printf("%s\n", entry.GetName().ToPrintf());
+                std::fflush(stdout);
+            }
+            return true;
+        });
     });
 }
 

@@ -6,6 +6,7 @@
 
 #include "Common/IO/ArchiveEntry.h"
 #include "Common/IO/ArchiveIBinaryChannel.h"
+#include "Common/ProgressMonitor.h"
 #include "Yr/BufferedIBinaryChannel.h"
 
 namespace Morvelan::Tool {
@@ -18,7 +19,13 @@ public:
     // Takes the entry while it is current; false stops the reading.
     using Visitor = std::function<bool(const Common::IO::ArchiveEntry& entry)>;
 
-    explicit ArchiveReader(const std::string& argument);
+    // With a `monitor`, the archive's bytes read so far are reported to it
+    // as they come in, and its IsCanceled is asked before each read.
+    explicit ArchiveReader(const std::string& argument, Common::ProgressMonitor* monitor = nullptr);
+
+    // The archive's size when it is a file, read before anything else; 0
+    // for a pipe.
+    Yr::UInt64 GetSizeIfKnown() const { return m_size; }
 
     // Calls `visit` for each entry in turn, then leaves the entry, which
     // checks it against its trailer. A visitor that needs the sizes or CRC
@@ -34,6 +41,10 @@ private:
     Yr::Ref<Common::IO::ArchiveEntry> NextEntry(const Yr::UniString& previous);
 
     std::unique_ptr<Yr::IBinaryChannel> m_input;
+    Yr::UInt64 m_size;
+    // Between the input and the buffer when there is a monitor.
+    std::unique_ptr<Yr::IBinaryChannel> m_cancelable;
+    std::unique_ptr<Yr::IBinaryChannel> m_monitored;
     Yr::BufferedIBinaryChannel m_buffered;
     Common::IO::ArchiveIBinaryChannel m_archive;
 };

@@ -8,7 +8,8 @@ namespace Morvelan::Tool {
 
 // One subcommand of `morvelan archive`. Run reports a failure as one line
 // on standard error, "morvelan archive NAME: " and what went wrong, and
-// exits with 1; a derived class only does the work.
+// exits with 1 (130 when canceled with Ctrl-C); a derived class only does
+// the work.
 class ArchiveSubcommand : public Command {
 public:
     int Run() final;
@@ -18,9 +19,13 @@ protected:
     virtual void Execute() = 0;
     // A line on standard error that does not stop the work.
     void Warn(const std::string& text) const;
+    // For the subcommands that draw their progress: -q,--quiet turns it off.
+    void AddQuietFlag();
+    bool IsQuiet() const { return m_quiet; }
 
 private:
     std::string m_name;
+    bool m_quiet = false;
 };
 
 }  // namespace Morvelan::Tool

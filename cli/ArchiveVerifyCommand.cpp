@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "cli/ArchiveReader.h"
+#include "cli/JobProgress.h"
 
 namespace Morvelan::Tool {
 
@@ -12,14 +13,22 @@ ArchiveVerifyCommand::ArchiveVerifyCommand(CLI::App& archive)
     m_subcommand->add_option("ARCHIVE", m_archive, "The archive to read; - reads standard input")
         ->required()
         ->type_name("FILE");
+    AddQuietFlag();
 }
 
 void ArchiveVerifyCommand::Execute() {
-    ArchiveReader reader(m_archive);
+    JobProgress progress(IsQuiet());
+    ArchiveReader reader(m_archive, &progress.GetJobMonitor());
     unsigned long long count = 0;
-    reader.ForEach([&](const Common::IO::ArchiveEntry&) {
-        ++count;
-        return true;
+    progress.Run(reader.GetSizeIfKnown(), [&] {
+        reader.ForEach([&](const Common::IO::ArchiveEntry&) {
+            // Left here rather than by ForEach, so the entry's bytes count as its own.
+            progress.BeginFile();
+            reader.Leave();
+            progress.EndFile();
+            ++count;
+            return true;
+        });
     });
     std::printf("%llu %s verified\n", count, count == 1 ? "entry" : "entries");
 }

@@ -37,8 +37,7 @@ TEST(Crc32CommandTest, ReportsAMissingFileAndGoesOn) {
     Morvelan::Testing::ScopedTempFolder folder;
     const std::string present = folder.GetPath() + "/present";
     WriteFile(present, std::string(1 << 20, 'a'));
-    const ToolRun outcome =
-        RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder);
+    const ToolRun outcome = RunTool("crc32 " + folder.GetPath() + "/absent " + present, folder);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
               "morvelan crc32: Failed to create file binary input channel for "
