@@ -34,8 +34,11 @@ std::string FormatDuration(double seconds) {
 }
 
 std::string FormatBar(double fraction) {
-    const int filled = static_cast<int>(fraction * kBarWidth);
-    return "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "]";
+    std::string bar(kBarWidth + 2, '.');
+    bar.front() = '[';
+    bar.back() = ']';
+    std::fill_n(bar.begin() + 1, static_cast<int>(fraction * kBarWidth), '#');
+    return bar;
 }
 
 }  // namespace
@@ -97,18 +100,19 @@ std::string TerminalProgressMonitor::FormatLine(Yr::UInt64 progress, Yr::UInt64 
     const double seconds = std::chrono::duration<double>(elapsed).count();
     const double rate = seconds > 0 ? static_cast<double>(progress) / seconds : 0;
     const std::string speed = rate > 0 ? FormatBytes(rate) + "/s" : "-- B/s";
-    if (maximum == 0) return FormatBytes(static_cast<double>(progress)) + "  " + speed;
+    std::string line = FormatBytes(static_cast<double>(progress));
+    if (maximum == 0) return line.append("  ").append(speed);
     const double fraction =
         std::min(1.0, static_cast<double>(progress) / static_cast<double>(maximum));
-    const std::string left =
-        progress >= maximum ? "done"
-        : rate > 0 ? FormatDuration(static_cast<double>(maximum - progress) / rate) + " left"
-                   : "--:-- left";
     char percent[8];
     std::snprintf(percent, sizeof percent, "%3d%%", static_cast<int>(fraction * 100));
-    return FormatBytes(static_cast<double>(progress)) + " / " +
-           FormatBytes(static_cast<double>(maximum)) + " " + FormatBar(fraction) + " " + percent +
-           "  " + speed + "  " + left;
+    line.append(" / ").append(FormatBytes(static_cast<double>(maximum))).append(" ");
+    line.append(FormatBar(fraction)).append(" ").append(percent).append("  ").append(speed);
+    if (progress >= maximum) return line.append("  done");
+    if (rate == 0) return line.append("  --:-- left");
+    return line.append("  ")
+        .append(FormatDuration(static_cast<double>(maximum - progress) / rate))
+        .append(" left");
 }
 
 }  // namespace Morvelan::Tool

@@ -12,7 +12,7 @@ namespace Morvelan::Common::IO {
 namespace {
 constexpr const char* kSourceUnit = "Common/IO/PagedBuffer";
 constexpr Yr::UInt32 kOffsetMask = PagedBuffer::kPageSize - 1;
-// Smallest allocation of a last page: tiny buffers stay tiny.
+// Smallest allocation of a first page: tiny buffers stay tiny.
 constexpr Yr::UInt32 kMinimumAllocation = 4096;
 
 // A power of two, so that enlarging a last page at least doubles it.
@@ -125,8 +125,10 @@ void PagedBuffer::Reserve(Yr::UInt64 end) {
     Yr::UInt32 count = GetPageCount();
     while (count <= lastIndex) {
         // Only the last page may be short: fill it up before adding one.
+        // Only a first page starts short: a buffer past one page is a large
+        // one, and enlarging each page in steps would copy most bytes twice.
         if (count > 0) Enlarge(GetPage(count - 1), kPageSize);
-        AddPage(count == lastIndex ? GetAllocationFor(lastSize) : kPageSize);
+        AddPage(lastIndex == 0 ? GetAllocationFor(lastSize) : kPageSize);
         ++count;
     }
     Page& last = GetPage(lastIndex);
