@@ -140,8 +140,7 @@ void BM_ZlibInflate(benchmark::State& state) {
     for (auto _ : state) {
         const std::size_t total =
             InflateWithZlib(compressed, static_cast<Yr::UInt32>(state.range(0)));
-        if (total != CompressionCorpus().size())
-            state.SkipWithError("inflated another size");
+        if (total != CompressionCorpus().size()) state.SkipWithError("inflated another size");
     }
     ReportBytes(state, compressed.size());
 }
