@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "Yr/ErrorCodes.h"
+#include "Yr/Exceptions.h"
 #include "Yr/YrException.h"
 
 namespace Morvelan::Tool {
@@ -28,6 +30,11 @@ void JobProgress::Run(Yr::UInt64 totalBytes, const std::function<void()>& work) 
         work();
     } catch (const Yr::YrException& failure) {
         m_compound.Failed(failure);
+        // The cancel surfaces wrapped in whatever the reading layers make of
+        // it ("entry 'x': ..."): report it as what it was.
+        if (m_terminal.IsCanceled())
+            throw Yr::InterruptedException("Canceled.", "cli/JobProgress", __LINE__,
+                                           Yr::kIOErrorCode);
         throw;
     }
     EndFile();

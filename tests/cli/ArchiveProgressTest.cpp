@@ -76,4 +76,22 @@ TEST(ArchiveProgressTest, CtrlCLeavesNoArchiveBehind) {
     EXPECT_EQ(names, (std::set<std::string>{"err", "in", "status"}));
 }
 
+// The archive comes through a pipe that stalls halfway; the signal comes
+// meanwhile, and the half-written file goes again.
+TEST(ArchiveProgressTest, CtrlCInAnExtractionDeletesTheFileBeingWritten) {
+    Morvelan::Testing::ScopedTempFolder folder;
+    WriteFile(folder.PathOf("a"), std::string(3 << 20, 'a'));
+    const std::string script =
+        "cd " + folder.GetPath() + "; " + kTool +
+        " archive create --method stored a.arc a && set -m; "
+        "(head -c 1048576 a.arc; sleep 1; tail -c +1048577 a.arc) | " +
+        kTool +
+        " archive extract - -C out 2>err & pid=$!; sleep 0.5; kill -INT $pid; "
+        "wait $pid; echo $? >status";
+    ASSERT_EQ(std::system(("bash -c '" + script + "' 2>/dev/null").c_str()), 0);
+    EXPECT_EQ(ReadFile(folder.PathOf("status")), "130\n");
+    EXPECT_EQ(ReadFile(folder.PathOf("err")), "morvelan archive extract: Canceled.\n");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.PathOf("out")));
+}
+
 }  // namespace
