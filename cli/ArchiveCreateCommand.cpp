@@ -7,9 +7,6 @@
 #include "Common/IO/ArchiveOBinaryChannel.h"
 #include "Common/IO/BinaryChannelUtilities.h"
 #include "Common/IO/FileIBinaryChannel.h"
-#include "Common/IO/FileOBinaryChannel.h"
-#include "Common/IO/IOUtilities.h"
-#include "Common/IO/LocationUtils.h"
 #include "Common/ProgressMonitorIBinaryChannel.h"
 #include "Yr/BufferedOBinaryChannel.h"
 #include "Yr/YrException.h"
@@ -100,7 +97,10 @@ void ArchiveCreateCommand::Execute() {
     const std::vector<ArchiveSource> sources = CollectSources();
     JobProgress progress(IsQuiet());
     progress.Run(TotalSize(sources), [&] {
-        if (m_archive != "-") return CreateFile(sources, progress);
+        if (m_archive != "-")
+            return WriteReplacing(m_archive, [&](Yr::OBinaryChannel& output) {
+                WriteArchive(sources, output, progress);
+            });
         StandardOutputChannel output;
         WriteArchive(sources, output, progress);
     });
@@ -112,24 +112,6 @@ std::vector<ArchiveSource> ArchiveCreateCommand::CollectSources() const {
     ArchiveSourceCollector collector(target, [this](const std::string& text) { Warn(text); });
     for (const std::string& path : m_paths) collector.Add(path);
     return collector.GetSources();
-}
-
-// Written beside the target, then renamed over it, so the target is either
-// the old file or the whole new archive, never half of one.
-void ArchiveCreateCommand::CreateFile(const std::vector<ArchiveSource>& sources,
-                                      JobProgress& progress) const {
-    const ::IO::Location target = LocationOfArgument(m_archive);
-    const Yr::UniString name = Common::IO::GetName(target);
-    const ::IO::Location temporary = Common::IO::CreateTemporaryFileLocation(
-        Common::IO::GetParentLocation(target), "." + name + ".", ".tmp");
-    try {
-        Common::IO::FileOBinaryChannel file(temporary, false, Common::IO::FileShare::None);
-        WriteArchive(sources, file, progress);
-        Common::IO::Rename(temporary, name);
-    } catch (...) {
-        DeleteQuietly(temporary);
-        throw;
-    }
 }
 
 void ArchiveCreateCommand::WriteArchive(const std::vector<ArchiveSource>& sources,

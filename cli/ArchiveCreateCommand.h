@@ -27,7 +27,6 @@ protected:
 private:
     void AddOptions();
     std::vector<ArchiveSource> CollectSources() const;
-    void CreateFile(const std::vector<ArchiveSource>& sources, JobProgress& progress) const;
     void WriteArchive(const std::vector<ArchiveSource>& sources, Yr::OBinaryChannel& output,
                       JobProgress& progress) const;
 

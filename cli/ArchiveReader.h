@@ -7,7 +7,7 @@
 #include "Common/IO/ArchiveEntry.h"
 #include "Common/IO/ArchiveIBinaryChannel.h"
 #include "Common/ProgressMonitor.h"
-#include "Yr/BufferedIBinaryChannel.h"
+#include "cli/MonitoredInput.h"
 
 namespace Morvelan::Tool {
 
@@ -25,7 +25,7 @@ public:
 
     // The archive's size when it is a file, read before anything else; 0
     // for a pipe.
-    Yr::UInt64 GetSizeIfKnown() const { return m_size; }
+    Yr::UInt64 GetSizeIfKnown() const { return m_input.GetSizeIfKnown(); }
 
     // Calls `visit` for each entry in turn, then leaves the entry, which
     // checks it against its trailer. A visitor that needs the sizes or CRC
@@ -40,12 +40,7 @@ private:
     // `previous` names the entry before, for the message when the file ends early.
     Yr::Ref<Common::IO::ArchiveEntry> NextEntry(const Yr::UniString& previous);
 
-    std::unique_ptr<Yr::IBinaryChannel> m_input;
-    Yr::UInt64 m_size;
-    // Between the input and the buffer when there is a monitor.
-    std::unique_ptr<Yr::IBinaryChannel> m_cancelable;
-    std::unique_ptr<Yr::IBinaryChannel> m_monitored;
-    Yr::BufferedIBinaryChannel m_buffered;
+    MonitoredInput m_input;
     Common::IO::ArchiveIBinaryChannel m_archive;
 };
 

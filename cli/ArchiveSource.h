@@ -14,6 +14,8 @@ struct ArchiveSource {
     // As the file was when collected: reading stops there, without the
     // extra read that would find the end, as tar stores what it saw too.
     Yr::UInt64 size = 0;
+    // Seconds since 1970, for formats that keep it.
+    Yr::Int64 modificationTime = 0;
 };
 
 }  // namespace Morvelan::Tool

@@ -64,7 +64,7 @@ void ArchiveSourceCollector::Visit(const ::IO::Location& location, const std::st
         if (location == m_archive)
             m_warn("skipping '" + shown + "': it is the archive itself");
         else
-            m_sources.push_back({location, name, info.size});
+            m_sources.push_back({location, name, info.size, info.modificationTime});
     } else {
         m_warn("skipping '" + shown + "': not a file or folder");
     }

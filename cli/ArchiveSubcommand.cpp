@@ -17,7 +17,7 @@ constexpr int kCanceledStatus = 130;
 
 ArchiveSubcommand::ArchiveSubcommand(CLI::App& archive, const std::string& name,
                                      const std::string& description)
-    : m_name(name) {
+    : m_name(archive.get_name() + " " + name) {
     m_subcommand = archive.add_subcommand(name, description);
 }
 
@@ -44,7 +44,7 @@ void ArchiveSubcommand::AddQuietFlag() {
 void ArchiveSubcommand::Warn(const std::string& text) const {
     // What was printed so far comes first, as the user would read it.
     std::fflush(stdout);
-    std::fprintf(stderr, "morvelan archive %s: %s\n", m_name.c_str(), text.c_str());
+    std::fprintf(stderr, "morvelan %s: %s\n", m_name.c_str(), text.c_str());
 }
 
 }  // namespace Morvelan::Tool

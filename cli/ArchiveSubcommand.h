@@ -6,8 +6,9 @@
 
 namespace Morvelan::Tool {
 
-// One subcommand of `morvelan archive`. Run reports a failure as one line
-// on standard error, "morvelan archive NAME: " and what went wrong, and
+// One subcommand of `morvelan archive` or `morvelan zip`. Run reports a
+// failure as one line on standard error, "morvelan archive NAME: " (or zip)
+// and what went wrong, and
 // exits with 1 (130 when canceled with Ctrl-C); a derived class only does
 // the work.
 class ArchiveSubcommand : public Command {
@@ -24,7 +25,7 @@ protected:
     bool IsQuiet() const { return m_quiet; }
 
 private:
-    std::string m_name;
+    std::string m_name;  // "archive create", "zip list", ...
     bool m_quiet = false;
 };
 

@@ -1,6 +1,7 @@
 #include "cli/CommandSupport.h"
 
 #include "Common/IO/FileIBinaryChannel.h"
+#include "Common/IO/FileOBinaryChannel.h"
 #include "Common/IO/IOUtilities.h"
 #include "Common/IO/LocationUtils.h"
 #include "Yr/YrException.h"
@@ -37,6 +38,22 @@ std::pair<Yr::UniString, Yr::UniString> SplitNameValue(const std::string& argume
     const std::size_t equals = argument.find('=');
     return {Yr::UniString(argument.c_str(), equals),
             Yr::UniString(argument.c_str() + equals + 1, argument.size() - equals - 1)};
+}
+
+void WriteReplacing(const std::string& argument,
+                    const std::function<void(Yr::OBinaryChannel& output)>& write) {
+    const ::IO::Location target = LocationOfArgument(argument);
+    const Yr::UniString name = Common::IO::GetName(target);
+    const ::IO::Location temporary = Common::IO::CreateTemporaryFileLocation(
+        Common::IO::GetParentLocation(target), "." + name + ".", ".tmp");
+    try {
+        Common::IO::FileOBinaryChannel file(temporary, false, Common::IO::FileShare::None);
+        write(file);
+        Common::IO::Rename(temporary, name);
+    } catch (...) {
+        DeleteQuietly(temporary);
+        throw;
+    }
 }
 
 void DeleteQuietly(const ::IO::Location& location) {

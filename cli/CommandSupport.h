@@ -1,11 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "InputOutput/Location.h"
 #include "Yr/IBinaryChannel.h"
+#include "Yr/OBinaryChannel.h"
 #include "Yr/UniString.h"
 
 namespace Yr {
@@ -29,6 +31,12 @@ std::unique_ptr<Yr::IBinaryChannel> OpenInput(const std::string& argument);
 std::string CheckNameValue(const std::string& argument);
 // The name and value of an argument CheckNameValue accepted.
 std::pair<Yr::UniString, Yr::UniString> SplitNameValue(const std::string& argument);
+
+// Runs `write` on a new file beside the one `argument` names, then renames
+// it over that one: the target is either the old file or the whole new one,
+// never half of one. When `write` throws, the new file is deleted.
+void WriteReplacing(const std::string& argument,
+                    const std::function<void(Yr::OBinaryChannel& output)>& write);
 
 // Deletes a file left by a failed attempt; a failure to delete is dropped,
 // as the failure that led here is the one worth reporting.

@@ -6,11 +6,11 @@
 #   scripts/install-deps.sh format   also clang-format
 set -euo pipefail
 
-# coreutils' base64 and util-linux's script (a terminal for the progress bar
-# tests) are peers of the command tests.
+# coreutils' base64, util-linux's script (a terminal for the progress bar
+# tests), Info-ZIP and bsdtar are peers of the tests.
 packages=(cmake ninja-build g++ make python3 zlib1g-dev libgtest-dev libgmock-dev
           libbenchmark-dev libcli11-dev default-jdk-headless liblz4-dev lz4
-          coreutils bsdutils)
+          coreutils bsdutils zip unzip libarchive-tools)
 case "${1:-}" in
     fuzz) packages+=(clang libclang-rt-dev) ;;
     format) packages+=(clang-format) ;;
