@@ -4,29 +4,12 @@
 
 #include "Common/IO/ArchiveExtractor.h"
 #include "Common/IO/LocationUtils.h"
-#include "Yr/YrException.h"
 #include "cli/ArchiveReader.h"
 #include "cli/CommandSupport.h"
+#include "cli/EntryExtraction.h"
 #include "cli/JobProgress.h"
 
 namespace Morvelan::Tool {
-namespace {
-
-// A file this extraction made for an entry that then failed (damaged data,
-// a failed check) goes again; one that was there before is left alone.
-void ExtractOne(ArchiveReader& reader, Common::IO::ArchiveExtractor& extractor,
-                const Common::IO::ArchiveEntry& entry) {
-    const auto target = extractor.Prepare(entry.GetName());
-    try {
-        extractor.Write(target, reader.GetData());
-        reader.Leave();
-    } catch (const Yr::YrException&) {
-        if (!target.existed) DeleteQuietly(target.location);
-        throw;
-    }
-}
-
-}  // namespace
 
 ArchiveExtractCommand::ArchiveExtractCommand(CLI::App& archive)
     : ArchiveSubcommand(archive, "extract", "Extract the entries of an archive into a folder") {
@@ -51,7 +34,7 @@ void ArchiveExtractCommand::Execute() {
     progress.Run(reader.GetSizeIfKnown(), [&] {
         reader.ForEach([&](const Common::IO::ArchiveEntry& entry) {
             progress.BeginFile();
-            ExtractOne(reader, extractor, entry);
+            ExtractEntry(reader, extractor, entry.GetName());
             progress.EndFile();
             if (m_verbose) {
                 progress.Clear();
