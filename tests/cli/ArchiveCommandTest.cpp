@@ -9,6 +9,7 @@
 
 #include "Common/IO/ArchiveOBinaryChannel.h"
 #include "Common/IO/FileOBinaryChannel.h"
+#include "tests/support/FileTree.h"
 #include "tests/support/ScopedTempFolder.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/ToolRun.h"
@@ -16,40 +17,14 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Morvelan::Testing::MakeTree;
+using Morvelan::Testing::MixedBytes;
 using Morvelan::Testing::ReadFile;
 using Morvelan::Testing::RunTool;
 using Morvelan::Testing::ScopedTempFolder;
 using Morvelan::Testing::ToolRun;
+using Morvelan::Testing::Tree;
 using Morvelan::Testing::WriteFile;
-
-// Bytes that neither compress to nothing nor refuse to compress, more than
-// one chunk of the framing.
-std::string MixedBytes(std::size_t size) {
-    std::string bytes(size, '\0');
-    unsigned state = 12345;
-    for (std::size_t i = 0; i < size; ++i) {
-        state = state * 1103515245 + 12345;
-        bytes[i] = i % 3 == 0 ? static_cast<char>(state >> 24) : static_cast<char>('a' + i % 7);
-    }
-    return bytes;
-}
-
-void MakeTree(const std::string& root) {
-    fs::create_directories(root + "/sub/deeper");
-    WriteFile(root + "/a.txt", "alpha\n");
-    WriteFile(root + "/über.txt", "non-ASCII name\n");
-    WriteFile(root + "/sub/empty", "");
-    WriteFile(root + "/sub/deeper/big.bin", MixedBytes(700000));
-}
-
-// Every regular file below `root` by its relative path, with its content.
-std::map<std::string, std::string> Tree(const std::string& root) {
-    std::map<std::string, std::string> files;
-    for (const auto& entry : fs::recursive_directory_iterator(root))
-        if (entry.is_regular_file())
-            files[fs::relative(entry.path(), root).string()] = ReadFile(entry.path().string());
-    return files;
-}
 
 // The name column of `list`, header line left out.
 std::vector<std::string> ListedNames(const std::string& listing) {
