@@ -9,6 +9,7 @@
 #include "cli/Base64Command.h"
 #include "cli/BlockfileCommand.h"
 #include "cli/Crc32Command.h"
+#include "cli/ZipCommand.h"
 
 namespace {
 
@@ -31,6 +32,7 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<Morvelan::Tool::Base64Command>(app));
     commands.push_back(std::make_unique<Morvelan::Tool::BlockfileCommand>(app));
     commands.push_back(std::make_unique<Morvelan::Tool::Crc32Command>(app));
+    commands.push_back(std::make_unique<Morvelan::Tool::ZipCommand>(app));
 
     try {
         app.parse(argc, argv);
