@@ -1,5 +1,6 @@
 #include "cli/ZipCommand.h"
 
+#include "cli/ZipCreateCommand.h"
 #include "cli/ZipExtractCommand.h"
 #include "cli/ZipListCommand.h"
 #include "cli/ZipTestCommand.h"
@@ -7,9 +8,10 @@
 namespace Morvelan::Tool {
 
 ZipCommand::ZipCommand(CLI::App& parent) {
-    m_subcommand = parent.add_subcommand("zip", "List, extract and test zip files");
+    m_subcommand = parent.add_subcommand("zip", "Create, list, extract and test zip files");
     m_subcommand->require_subcommand(1);
     CLI::App& zip = *m_subcommand;
+    m_subcommands.push_back(std::make_unique<ZipCreateCommand>(zip));
     m_subcommands.push_back(std::make_unique<ZipListCommand>(zip));
     m_subcommands.push_back(std::make_unique<ZipExtractCommand>(zip));
     m_subcommands.push_back(std::make_unique<ZipTestCommand>(zip));

@@ -7,8 +7,9 @@
 
 namespace Morvelan::Tool {
 
-// `morvelan zip SUBCOMMAND ...`: lists, extracts and tests zip files that
-// other zip tools write, with the conventions of `morvelan archive`.
+// `morvelan zip SUBCOMMAND ...`: creates, lists, extracts and tests zip
+// files that other zip tools read and write, with the conventions of
+// `morvelan archive`.
 class ZipCommand final : public Command {
 public:
     explicit ZipCommand(CLI::App& parent);

@@ -1,5 +1,5 @@
-// `morvelan zip` against the zip tools people use: what they write,
-// streamed or not, we test, list and extract.
+// `morvelan zip` against the zip tools people use, both ways: what we write
+// they test and extract; what they write, streamed or not, we extract.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -28,6 +28,33 @@ int Shell(const std::string& command, const ScopedTempFolder& folder) {
         ("cd " + Quoted(folder.GetPath()) + " && (" + command + ") >/dev/null 2>&1").c_str());
     return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
 }
+
+// Extracts with Python's zipfile, as a third reader next to unzip and bsdtar.
+const char* const kPythonExtract =
+    "python3 -c 'import sys, zipfile; zipfile.ZipFile(sys.argv[1]).extractall(sys.argv[2])' ";
+
+class ZipRoundTripTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(ZipRoundTripTest, PeersTestAndExtractWhatWeWrite) {
+    ScopedTempFolder folder;
+    MakeTree(folder.PathOf("tree"));
+    const ToolRun created = RunTool(
+        std::string("zip create --method ") + GetParam() + " --comment 'made here' out.zip tree",
+        folder);
+    ASSERT_EQ(created.status, 0) << created.err;
+    const char* const checks[] = {"unzip -t -q out.zip", "python3 -m zipfile -t out.zip",
+                                  "bsdtar -tf out.zip"};
+    for (const char* check : checks) EXPECT_EQ(Shell(check, folder), 0) << check;
+    const char* const extractions[] = {"unzip -q out.zip -d by-unzip",
+                                       "mkdir by-bsdtar && bsdtar -xf out.zip -C by-bsdtar"};
+    for (const char* extraction : extractions) EXPECT_EQ(Shell(extraction, folder), 0);
+    EXPECT_EQ(Shell(std::string(kPythonExtract) + "out.zip by-python", folder), 0);
+    const auto expected = Tree(folder.PathOf("tree"));
+    for (const char* reader : {"by-unzip", "by-bsdtar", "by-python"})
+        EXPECT_EQ(Tree(folder.PathOf(reader) + "/tree"), expected) << reader;
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, ZipRoundTripTest, testing::Values("stored", "deflated"));
 
 TEST(ZipCommandTest, ExtractsWhatPeersWrite) {
     // Piped output makes Info-ZIP and Java write data descriptors.
@@ -69,6 +96,17 @@ TEST(ZipCommandTest, ListsEntriesWithTheirComment) {
     EXPECT_EQ(listed.out.substr(listed.out.find('\n') + 1, 51),
               "stored              6            6    0.0% 9f606eec");
     EXPECT_NE(listed.out.find("  a.txt\ncomment: a comment\n"), std::string::npos) << listed.out;
+}
+
+TEST(ZipCommandTest, ListsAndStreamsThroughPipes) {
+    ScopedTempFolder folder;
+    WriteFile(folder.PathOf("a.txt"), "alpha\n");
+    const ToolRun piped =
+        RunTool("zip create - a.txt | " + std::string(MORVELAN_TOOL) + " zip list -", folder);
+    ASSERT_EQ(piped.status, 0) << piped.err;
+    EXPECT_NE(piped.out.find("deflated"), std::string::npos);
+    EXPECT_NE(piped.out.find("6 "), std::string::npos);
+    EXPECT_NE(piped.out.find("a.txt\n"), std::string::npos);
 }
 
 TEST(ZipCommandTest, RefusesEntriesLeadingOutsideTheFolder) {
