@@ -49,7 +49,7 @@ test: deps
 # optimized, as they stream gigabytes.
 test-large: deps
 	@cmake --preset release >/dev/null
-	@cmake --build --preset release --target LargeArchiveTests
+	@cmake --build --preset release --target LargeArchiveTests LargeZipTests
 	@ctest --preset large
 
 sanitize: deps
