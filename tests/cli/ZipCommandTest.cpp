@@ -49,8 +49,13 @@ TEST_P(ZipRoundTripTest, PeersTestAndExtractWhatWeWrite) {
                                        "mkdir by-bsdtar && bsdtar -xf out.zip -C by-bsdtar"};
     for (const char* extraction : extractions) EXPECT_EQ(Shell(extraction, folder), 0);
     EXPECT_EQ(Shell(std::string(kPythonExtract) + "out.zip by-python", folder), 0);
+    // Java decodes file names by the locale: one that has UTF-8.
+    EXPECT_EQ(Shell("javac -d classes " + Quoted(JAVA_ZIP_PEER_SOURCE) +
+                        " && LC_ALL=C.UTF-8 java -cp classes ZipPeer --extract out.zip by-java",
+                    folder),
+              0);
     const auto expected = Tree(folder.PathOf("tree"));
-    for (const char* reader : {"by-unzip", "by-bsdtar", "by-python"})
+    for (const char* reader : {"by-unzip", "by-bsdtar", "by-python", "by-java"})
         EXPECT_EQ(Tree(folder.PathOf(reader) + "/tree"), expected) << reader;
 }
 
